@@ -1,0 +1,28 @@
+# The two commands: `make run` and `make test`. Each does its own set-up on a fresh Debian
+# machine (scripts/setup.sh), so nothing needs installing by hand.
+.PHONY: run test setup native windows bench clean
+
+JOBS ?= $(shell nproc)
+
+setup:
+	@bash scripts/setup.sh
+
+native: setup
+	cmake --preset native >/dev/null
+	cmake --build --preset native -j $(JOBS)
+
+windows: setup
+	cmake --preset windows >/dev/null
+	cmake --build --preset windows -j $(JOBS)
+
+run: windows
+	bash scripts/run.sh
+
+test: native windows
+	bash scripts/test.sh
+
+bench: setup
+	bash scripts/bench.sh
+
+clean:
+	rm -rf build

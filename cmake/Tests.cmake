@@ -1,0 +1,64 @@
+# Test tiers: unit (native), conformance (native over the portable adapters, Windows over the
+# real API under Wine), fuzz corpus runs (native, sanitizers), end-to-end (Windows, under Wine).
+include(GoogleTest)
+
+if(WIN32)
+  # GoogleTest for MinGW, built from the sources that Debian's googletest package installs.
+  set(QUORVANE_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest sources")
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  set(gtest_disable_pthreads OFF CACHE BOOL "" FORCE)
+  add_subdirectory(${QUORVANE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  add_library(quorvane_gtest INTERFACE)
+  target_link_libraries(quorvane_gtest INTERFACE gmock gtest_main)
+else()
+  find_package(GTest REQUIRED)
+  add_library(quorvane_gtest INTERFACE)
+  target_link_libraries(quorvane_gtest INTERFACE GTest::gmock GTest::gtest_main)
+endif()
+
+# One executable of GoogleTest cases. Natively every case is its own ctest test; under Wine
+# each start of a process costs a good part of a second, so there an executable is one test.
+function(quorvane_gtest_executable name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE ${QUORVANE_PLATFORM} quorvane_gtest)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  quorvane_target(${name})
+  if(WIN32)
+    add_test(NAME ${name} COMMAND ${name} --gtest_color=no)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}.")
+  endif()
+endfunction()
+
+file(GLOB QUORVANE_CONFORMANCE_SOURCES CONFIGURE_DEPENDS tests/conformance/*.cpp)
+if(WIN32)
+  file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/win32/*.cpp)
+  quorvane_gtest_executable(conformance_win32
+    ${QUORVANE_CONFORMANCE_SOURCES} ${QUORVANE_CONFORMANCE_ADAPTER})
+else()
+  file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/portable/*.cpp)
+  quorvane_gtest_executable(conformance_portable
+    ${QUORVANE_CONFORMANCE_SOURCES} ${QUORVANE_CONFORMANCE_ADAPTER})
+
+  file(GLOB QUORVANE_UNIT_SOURCES CONFIGURE_DEPENDS tests/unit/*.cpp)
+  quorvane_gtest_executable(unit_tests ${QUORVANE_UNIT_SOURCES})
+
+  # Fuzz harnesses: each fuzz/fuzz_*.cpp defines LLVMFuzzerTestOneInput. In the test tree they
+  # run over a bounded, seeded random corpus under the sanitizers; with QUORVANE_LIBFUZZER
+  # (clang) they build as libFuzzer programs instead.
+  file(GLOB QUORVANE_FUZZ_HARNESSES CONFIGURE_DEPENDS fuzz/fuzz_*.cpp)
+  foreach(harness ${QUORVANE_FUZZ_HARNESSES})
+    get_filename_component(name ${harness} NAME_WE)
+    if(QUORVANE_LIBFUZZER)
+      add_executable(${name} ${harness})
+      target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+      target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    else()
+      add_executable(${name} ${harness} fuzz/CorpusDriver.cpp)
+      add_test(NAME fuzz.${name} COMMAND ${name} --runs 20000 --seed 1)
+    endif()
+    target_link_libraries(${name} PRIVATE quorvane_portable)
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/fuzz)
+    quorvane_target(${name})
+  endforeach()
+endif()

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Runs every test tier: native unit, conformance and fuzz corpus runs, then the Windows
+# conformance and end-to-end tests under Wine.
+set -uo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+
+status=0
+echo "== native: unit, conformance over the portable adapters, fuzz corpus runs"
+ctest --preset native -j "$(nproc)" || status=1
+
+echo "== windows: conformance over the real API and end to end, under Wine"
+source scripts/wine-env.sh
+wine_prepare
+ctest --preset windows || status=1
+if [ -x scripts/e2e.sh ]; then
+  bash scripts/e2e.sh || status=1
+fi
+wine_finish
+exit $status
