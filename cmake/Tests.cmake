@@ -62,3 +62,8 @@ else()
     quorvane_target(${name})
   endforeach()
 endif()
+
+# End-to-end tests: quorvane.exe under Wine in a virtual desktop, driven from a second program.
+if(WIN32)
+  include(${CMAKE_SOURCE_DIR}/cmake/EndToEnd.cmake OPTIONAL)
+endif()
