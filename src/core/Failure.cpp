@@ -16,4 +16,6 @@ void RaiseObjectVariableNotSet() {
   Raise(FailureNumber::ObjectVariableNotSet, "Object variable or With block variable not set");
 }
 
+void RaiseSubscriptOutOfRange() { Raise(FailureNumber::SubscriptOutOfRange, "Subscript out of range"); }
+
 }  // namespace quorvane

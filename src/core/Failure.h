@@ -41,6 +41,7 @@ class Failure : public std::runtime_error {
 [[noreturn]] void RaiseOverflow();
 [[noreturn]] void RaiseInvalidProcedureCall();
 [[noreturn]] void RaiseObjectVariableNotSet();
+[[noreturn]] void RaiseSubscriptOutOfRange();
 [[noreturn]] void Raise(FailureNumber number, const std::string& description);
 
 }  // namespace quorvane

@@ -17,7 +17,7 @@ class FileSystem {
   // Appends to the file, creating it when missing; false on failure.
   virtual bool Append(const std::string& path, const std::string& content) = 0;
   virtual bool CreateFolder(const std::string& path) = 0;
-  virtual bool DeleteFile(const std::string& path) = 0;
+  virtual bool RemoveFile(const std::string& path) = 0;
 };
 
 }  // namespace quorvane::platform

@@ -1,0 +1,65 @@
+#include "platform/portable/PortableFileSystem.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+namespace quorvane::platform {
+
+namespace {
+
+struct FileCloser {
+  void operator()(std::FILE* f) const { std::fclose(f); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+bool Write(const std::string& path, const std::string& content, const char* mode) {
+  File f(std::fopen(path.c_str(), mode));
+  if (!f) return false;
+  if (!content.empty() && std::fwrite(content.data(), 1, content.size(), f.get()) != content.size()) {
+    return false;
+  }
+  return std::fclose(f.release()) == 0;
+}
+
+}  // namespace
+
+bool PortableFileSystem::FileExists(const std::string& path) {
+  std::error_code ec;
+  return std::filesystem::is_regular_file(path, ec);
+}
+
+bool PortableFileSystem::FolderExists(const std::string& path) {
+  std::error_code ec;
+  return std::filesystem::is_directory(path, ec);
+}
+
+bool PortableFileSystem::ReadAll(const std::string& path, std::string& content) {
+  File f(std::fopen(path.c_str(), "rb"));
+  if (!f) return false;
+  content.clear();
+  char chunk[65536];
+  std::size_t n = 0;
+  while ((n = std::fread(chunk, 1, sizeof chunk, f.get())) > 0) content.append(chunk, n);
+  return std::ferror(f.get()) == 0;
+}
+
+bool PortableFileSystem::WriteAll(const std::string& path, const std::string& content) {
+  return Write(path, content, "wb");
+}
+
+bool PortableFileSystem::Append(const std::string& path, const std::string& content) {
+  return Write(path, content, "ab");
+}
+
+bool PortableFileSystem::CreateFolder(const std::string& path) {
+  std::error_code ec;
+  return std::filesystem::create_directory(path, ec);
+}
+
+bool PortableFileSystem::RemoveFile(const std::string& path) {
+  std::error_code ec;
+  return std::filesystem::remove(path, ec);
+}
+
+}  // namespace quorvane::platform

@@ -1,0 +1,12 @@
+#pragma once
+// Yielding on the window's message loop.
+#include "platform/EventLoop.h"
+
+namespace quorvane::platform {
+
+class Win32EventLoop final : public EventLoop {
+ public:
+  void DoEvents() override;
+};
+
+}  // namespace quorvane::platform

@@ -1,0 +1,29 @@
+#pragma once
+// The registry store over advapi32.
+#include "platform/RegistryStore.h"
+
+namespace quorvane::platform {
+
+class Win32Registry final : public RegistryStore {
+ public:
+  RegStatus RegOpenKeyExA(RegHandle key, const std::string& subKey, std::uint32_t options,
+                          std::uint32_t samDesired, RegHandle& result) override;
+  RegStatus RegOpenKeyA(RegHandle key, const std::string& subKey, RegHandle& result) override;
+  RegStatus RegCreateKeyA(RegHandle key, const std::string& subKey, RegHandle& result) override;
+  RegStatus RegCloseKey(RegHandle key) override;
+  RegStatus RegDeleteKeyA(RegHandle key, const std::string& subKey) override;
+  RegStatus RegDeleteValueA(RegHandle key, const std::string& valueName) override;
+  RegStatus RegSetValueExA(RegHandle key, const std::string& valueName, std::uint32_t reserved,
+                           std::uint32_t kind, const std::uint8_t* data,
+                           std::uint32_t size) override;
+  RegStatus RegQueryValueExA(RegHandle key, const std::string& valueName,
+                             std::uint32_t* reserved, std::uint32_t* kind, std::uint8_t* data,
+                             std::uint32_t* size) override;
+  RegStatus RegEnumKeyExA(RegHandle key, std::uint32_t index, char* name,
+                          std::uint32_t* nameSize) override;
+  RegStatus RegEnumValueA(RegHandle key, std::uint32_t index, char* name,
+                          std::uint32_t* nameSize, std::uint32_t* kind, std::uint8_t* data,
+                          std::uint32_t* dataSize) override;
+};
+
+}  // namespace quorvane::platform
