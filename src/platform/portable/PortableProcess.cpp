@@ -1,0 +1,17 @@
+#include "platform/portable/PortableProcess.h"
+
+#include <utility>
+
+namespace quorvane::platform {
+
+PortableProcess::PortableProcess(std::string arguments) : arguments_(std::move(arguments)) {}
+
+std::string PortableProcess::CommandLine() { return arguments_; }
+
+void PortableProcess::SetCommandLine(std::string arguments) { arguments_ = std::move(arguments); }
+
+void PortableProcess::SetWholeCommandLine(std::string_view wholeCommandLine) {
+  arguments_ = ArgumentsOf(wholeCommandLine);
+}
+
+}  // namespace quorvane::platform

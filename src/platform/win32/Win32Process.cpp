@@ -1,0 +1,15 @@
+#include "platform/win32/Win32Process.h"
+
+#include <windows.h>
+
+namespace quorvane::platform {
+
+std::string Win32Process::CommandLine() {
+  const char* whole = ::GetCommandLineA();
+  if (whole == nullptr) {
+    return std::string();
+  }
+  return ArgumentsOf(whole);
+}
+
+}  // namespace quorvane::platform
