@@ -1,0 +1,10 @@
+#pragma once
+// The platform services of quorvane.exe.
+
+namespace quorvane::app {
+
+// Installs the Windows adapter of every platform port, once, at the start of the process. This
+// is the one place where the program chooses its adapters.
+void InstallWin32Services();
+
+}  // namespace quorvane::app
