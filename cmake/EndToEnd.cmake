@@ -1,0 +1,13 @@
+# The end-to-end driver: a Windows program that starts quorvane.exe inside the same virtual
+# desktop and checks it from outside. scripts/e2e.sh runs it under Wine on a virtual screen; it
+# is no ctest test, since it needs a display.
+file(GLOB QUORVANE_E2E_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/e2e/*.cpp)
+if(QUORVANE_E2E_SOURCES AND TARGET quorvane)
+  # A GUI program, so that Wine opens no console window for it in the desktop it photographs.
+  add_executable(e2e_driver WIN32 ${QUORVANE_E2E_SOURCES})
+  target_link_libraries(e2e_driver PRIVATE user32 gdi32)
+  target_compile_definitions(e2e_driver PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0600)
+  quorvane_target(e2e_driver)
+  # The driver starts quorvane.exe from its own folder: build both together.
+  add_dependencies(e2e_driver quorvane)
+endif()

@@ -1,0 +1,57 @@
+#pragma once
+// What the end-to-end driver does to the desktop it runs in: start programs, find their top-level
+// windows, and photograph the screen.
+#include <windows.h>
+
+#include <string>
+
+namespace quorvane::e2e {
+
+// A kernel handle with one owner: closed once, when its owner goes.
+class OwnedHandle {
+ public:
+  OwnedHandle() = default;
+  explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
+  ~OwnedHandle();
+  OwnedHandle(OwnedHandle&& other) noexcept;
+  OwnedHandle& operator=(OwnedHandle&& other) noexcept;
+  OwnedHandle(const OwnedHandle&) = delete;
+  OwnedHandle& operator=(const OwnedHandle&) = delete;
+
+  HANDLE Get() const { return handle_; }
+  explicit operator bool() const { return handle_ != nullptr; }
+
+ private:
+  HANDLE handle_ = nullptr;
+};
+
+// A program started by the driver.
+struct Child {
+  OwnedHandle process;
+  DWORD id = 0;
+};
+
+// Starts `program` with the command line `"<program>"` followed by `tail` exactly as given, so
+// that `tail` is what the program sees behind its name. `error` tells why when it fails.
+bool StartProgram(const std::string& program, const std::string& tail, Child& child,
+                  std::string& error);
+
+// True while the process has not ended.
+bool IsRunning(const Child& child);
+// Waits for the end of the process; its exit code in `exitCode`. False when it is still running.
+bool WaitForEnd(const Child& child, DWORD milliseconds, DWORD& exitCode);
+// Ends the process by force; for clean-up after a failed case only.
+void Terminate(const Child& child);
+
+// The first top-level window of process `processId` with this class and text, shown or hidden.
+HWND FindTopLevelWindow(DWORD processId, const std::string& className, const std::string& text);
+std::string ClassNameOf(HWND window);
+std::string TextOf(HWND window);
+
+// Writes what the screen shows into a 24-bit BMP file. False, with `error`, on failure.
+bool SaveScreen(const std::string& path, std::string& error);
+
+// The folder of this program, with a trailing backslash.
+std::string OwnFolder();
+
+}  // namespace quorvane::e2e
