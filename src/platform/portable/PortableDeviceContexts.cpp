@@ -146,8 +146,12 @@ GdiHandle PortableDeviceContexts::MakeSurface(std::int32_t width, std::int32_t h
                                               std::uint16_t bitsPixel, bool deviceIndependent,
                                               bool bottomUp) {
   const std::int64_t stride = StrideOf(width, bitsPixel, deviceIndependent);
+  if (stride <= 0 || height <= 0) return 0;
+  // Within the limit, asked without multiplying first, so no size can overflow.
+  if (static_cast<std::uint64_t>(stride) > memoryLimit_ / static_cast<std::uint64_t>(height)) {
+    return 0;
+  }
   const std::int64_t size = stride * height;
-  if (size <= 0 || static_cast<std::uint64_t>(size) > memoryLimit_) return 0;
   std::unique_ptr<std::uint8_t[]> pixels(new (std::nothrow)
                                              std::uint8_t[static_cast<std::size_t>(size)]());
   if (!pixels) return 0;
