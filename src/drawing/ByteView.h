@@ -24,6 +24,14 @@ class ByteView {
   std::int64_t Rows() const { return rows_; }
   std::int64_t BytesPerRow() const { return bytesPerRow_; }
 
+  // The `count` bytes of `row` from `column` on, all checked at once.
+  std::uint8_t* Span(std::int64_t row, std::int64_t column, std::int64_t count) const {
+    if (row < 0 || row >= rows_ || column < 0 || count < 0 || column > bytesPerRow_ - count) {
+      RaiseOutOfRange();
+    }
+    return first_ + static_cast<std::size_t>(row * bytesPerRow_ + column);
+  }
+
   std::uint8_t& operator()(std::int64_t row, std::int64_t column) const {
     if (row < 0 || row >= rows_ || column < 0 || column >= bytesPerRow_) RaiseOutOfRange();
     return first_[static_cast<std::size_t>(row * bytesPerRow_ + column)];
