@@ -115,6 +115,7 @@ void cDIBSection::CreateFromPicture(Handle picThis) {
   LoadPictureBlt(tempDc, 0, 0, -1, -1, platform::gdi::kSrcCopy);
   gdi.SelectObject(tempDc, oldBitmap);
   gdi.DeleteDC(tempDc);
+  // The desktop's context was only needed for the format; it goes back where it came from.
   gdi.ReleaseDC(desktop, desktopDc);
 }
 
