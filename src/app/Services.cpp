@@ -1,15 +1,39 @@
 #include "app/Services.h"
 
-#include "platform/Process.h"
 #include "platform/Service.h"
+#include "platform/win32/Win32Clipboard.h"
+#include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32DeviceContexts.h"
+#include "platform/win32/Win32EventLoop.h"
+#include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Process.h"
+#include "platform/win32/Win32ProfileFiles.h"
+#include "platform/win32/Win32Registry.h"
 
 namespace quorvane::app {
 
+namespace {
+
+// Puts one adapter in place for the life of the process.
+template <class Port, class Adapter>
+void InstallForGood() {
+  static Adapter adapter;
+  platform::Install<Port>(&adapter);
+}
+
+}  // namespace
+
 void InstallWin32Services() {
-  // The adapters live as long as the process.
-  static platform::Win32Process process;
-  platform::Install<platform::Process>(&process);
+  InstallForGood<platform::Process, platform::Win32Process>();
+  InstallForGood<platform::RegistryStore, platform::Win32Registry>();
+  InstallForGood<platform::ProfileFiles, platform::Win32ProfileFiles>();
+  InstallForGood<platform::FileSystem, platform::Win32FileSystem>();
+  InstallForGood<platform::EventLoop, platform::Win32EventLoop>();
+  InstallForGood<platform::DeviceContexts, platform::win32::Win32DeviceContexts>();
+  InstallForGood<platform::Clipboard, platform::win32::Win32Clipboard>();
+  InstallForGood<platform::MessageBoxes, platform::win32::Win32MessageBoxes>();
+  InstallForGood<platform::Clock, platform::win32::Win32Clock>();
 }
 
 }  // namespace quorvane::app
