@@ -22,7 +22,7 @@ test: native windows
 	bash scripts/test.sh
 
 bench: setup
-	bash scripts/bench.sh
+	bash scripts/bench.sh all
 
 clean:
 	rm -rf build
