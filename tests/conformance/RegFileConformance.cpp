@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "AdvRegistryAccessProbe.h"
 #include "RegistryFixture.h"
 #include "platform/FileSystem.h"
 #include "platform/Service.h"
@@ -143,6 +144,37 @@ TEST_F(RegFileTest, ExportStopsAtItsFirstKeyWithTheHeaderAlone) {
   std::string content;
   ASSERT_TRUE(platform::Use<platform::FileSystem>().ReadAll(path, content));
   EXPECT_EQ(content, "REGEDIT4\r\n\r\n");
+}
+
+class StatusBox : public TextBox {
+ public:
+  void SetText(const std::string& text) override { texts.push_back(text); }
+  std::vector<std::string> texts;
+};
+
+TEST_F(RegFileTest, ExportWorkerWritesKeysParentsFirstAndKindsGrouped) {
+  reg_.WriteString(ShortPath(), "@", "def");
+  reg_.WriteString(ShortPath(), "text", "a\"b");
+  reg_.WriteDWORD(ShortPath(), "number", 42);
+  reg_.WriteBinary(ShortPath(), "bytes", "01 0a ff");
+  reg_.WriteString(ShortPath("Child"), "c", "1");
+  const std::string path = WriteFile("REGEDIT4\r\n\r\n");
+  StatusBox box;
+  EXPECT_EQ(AdvRegistryAccessProbe::ExportKey(reg_, ShortPath(), path, kTrue, &box), kTrue);
+  std::string content;
+  ASSERT_TRUE(platform::Use<platform::FileSystem>().ReadAll(path, content));
+  const std::string n(1, '\0');
+  EXPECT_EQ(content, "REGEDIT4\r\n\r\n"
+                     "[" + Path() + "]\r\n"
+                     "@=\"def" + n + "\"\r\n"
+                     "\"text\"=\"a\"b" + n + "\"\r\n"
+                     "\"bytes\"=hex:01,0A,FF\r\n"
+                     "\"number\"=dword:0x0000002A\r\n"
+                     "\r\n"
+                     "[" + Path("Child") + "]\r\n"
+                     "\"c\"=\"1" + n + "\"\r\n"
+                     "\r\n");
+  EXPECT_EQ(box.texts, (std::vector<std::string>{Path(), Path("Child")}));
 }
 
 }  // namespace
