@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "Support.h"
 #include "core/Types.h"
 #include "icons/modextracticon.h"
 #include "platform/ProfileFiles.h"
@@ -19,7 +20,6 @@ namespace quorvane::testing {
 
 // A new, empty folder for one test, with a trailing separator (ProfileEnvironment.cpp of each
 // build).
-std::string ProfileTestFolder();
 
 namespace {
 
@@ -85,7 +85,7 @@ class IniConformance : public ::testing::Test {
     return Profiles().WritePrivateProfileStringA(section, key, value, Path(name).c_str());
   }
 
-  std::string folder_ = ProfileTestFolder();
+  std::string folder_ = FreshTempFolder();
 };
 
 // --- defaults ---------------------------------------------------------------------------------
