@@ -1,8 +1,10 @@
-// ParsePath over arbitrary paths: the root is one of the table's or 0, and the sub-key is what
-// stands behind the first backslash of the reduced path.
+// ParsePath over arbitrary paths: the root is one of the table's or 0, the sub-key is what stands
+// behind the first backslash of the reduced path, and parsing the reduced path again changes
+// nothing.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "FuzzSeeds.h"
@@ -30,13 +32,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else if (parsed.subKey != parsed.path.substr(slash + 1)) {
     std::abort();
   }
-  // No long root form survives the reduction.
-  for (const char* longForm : {"HKEY_CURRENT_USER", "HKEY_LOCAL_MACHINE", "HKEY_CLASSES_ROOT",
-                               "HKEY_USERS", "HKEY_CURRENT_CONFIG"}) {
-    if (text::InStr(1, parsed.path, longForm, true) != 0 &&
-        text::InStr(1, input, longForm, true) == 0) {
-      std::abort();
-    }
+  // The reduced path parses to the same root and sub-key again.
+  const auto again = AdvRegistryAccessProbe::ParsePath(reg, parsed.path);
+  if (again.root != root || again.subKey != parsed.subKey) std::abort();
+  // With a backslash, a known root is exactly the first four characters in any case.
+  if (slash != std::string::npos && root != 0) {
+    const std::string first4 = text::UpperCase(parsed.path.substr(0, 4));
+    static const std::pair<const char*, platform::RegHandle> kShort[] = {
+        {"HKCU", platform::reg::kCurrentUser}, {"HKLM", platform::reg::kLocalMachine},
+        {"HKCR", platform::reg::kClassesRoot}, {"HKUS", platform::reg::kUsers},
+        {"HKPD", platform::reg::kPerformanceData}, {"HKDD", platform::reg::kDynData},
+        {"HKCC", platform::reg::kCurrentConfig}};
+    bool matched = false;
+    for (const auto& [form, handle] : kShort) matched = matched || (first4 == form && handle == root);
+    if (!matched) std::abort();
   }
   return 0;
 }

@@ -47,6 +47,8 @@ const std::vector<AdvRegistryAccess::Member>& AdvRegistryAccess::Members() {
   static const std::vector<Member> members = {
       {"CreateKeyIfDoesntExists",
        "Let/Get. Should key will be created if no exists (when writting data to registry)"},
+      {"CreateKeyIfDoesntExists",
+       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
       {"CreateKey", "Creates key in registry..."},
       {"KillKey", "Deletes key from registry..."},
       {"KeyExists", "Checks if some key exists..."},
@@ -260,6 +262,8 @@ std::string AdvRegistryAccess::ReadBinary(std::string sPath, std::string sName,
     return sDefault;
   }
   store_.RegCloseKey(mKey);
+  // The buffer is trimmed like a text, so blank bytes at its ends are lost, and the hex text,
+  // which starts with a blank, is trimmed too.
   std::string bytes = text::Trim(buffer);
   return text::Trim(BinToStr(bytes));
 }

@@ -52,7 +52,8 @@ class AdvRegistryAccess {
   std::string BinToStr(std::string& sStr);
   Boolean isBinValid(std::string sBin);
 
-  // The public members in the order of the class's dispatch table, each with its help text.
+  // The public members in the order of the class's dispatch table, each with its help text;
+  // the flag's setting and its reading are two entries of one name.
   struct Member {
     const char* name;
     const char* description;

@@ -128,7 +128,7 @@ void AdvRegistryAccess::ExportKey(std::string sPath, const std::string& sRegFile
     file.PrintLine("");
     file.Close();
 
-    if (IncludeSubkeys == kTrue) {
+    if (IncludeSubkeys != kFalse) {
       std::vector<std::string> subKeys;
       const std::int32_t subCount = EnumKeys(sPath, subKeys);
       for (std::int32_t i = 0; i < subCount; ++i) {

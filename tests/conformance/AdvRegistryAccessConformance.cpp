@@ -56,9 +56,12 @@ TEST_F(AdvRegistryAccessTest, AtIsTheDefaultValueOnlyForWriteString) {
   EXPECT_EQ(reg_.ReadString(Path(), ""), std::string("x\0", 2));
   EXPECT_NE(reg_.WriteBinary(Path(), "@", "0102"), 0);
   EXPECT_EQ(reg_.ReadBinary(Path(), "@"), "01 02");
+  EXPECT_EQ(reg_.ReadString(Path(), ""), std::string("x\0", 2));
 }
 
 TEST_F(AdvRegistryAccessTest, ReadDWORDDefaults) {
+  EXPECT_EQ(reg_.ReadDWORD(Path(), "Missing"), -1);
+  reg_.CreateKey(Path());
   EXPECT_EQ(reg_.ReadDWORD(Path(), "Missing"), -1);
   EXPECT_EQ(reg_.ReadDWORD(Path(), "Missing", 5), 5);
   EXPECT_NE(reg_.WriteDWORD(Path(), "Number", -2), 0);
@@ -148,6 +151,20 @@ TEST_F(AdvRegistryAccessTest, BinaryValuesRoundTripAsHexText) {
   EXPECT_EQ(reg_.ReadBinary(Path(), "empty", "d"), "");
   EXPECT_EQ(reg_.ReadBinary(Path(), "missing", "d"), "d");
   EXPECT_EQ(reg_.ReadBinary(Path(), "missing"), "");
+}
+
+TEST_F(AdvRegistryAccessTest, ReadBinaryLosesBlankBytesAtTheEnds) {
+  reg_.WriteBinary(Path(), "b", "20 41 20");
+  EXPECT_EQ(reg_.ReadBinary(Path(), "b"), "41");
+  std::vector<std::string> names;
+  std::vector<RegValue> values;
+  ASSERT_EQ(reg_.EnumValues(Path(), names, values, 3), 1);
+  EXPECT_EQ(std::get<std::string>(values[0]), "20 41 20");
+}
+
+TEST_F(AdvRegistryAccessTest, ReadStringDoesNotCheckTheKind) {
+  reg_.WriteBinary(Path(), "b", "41 42");
+  EXPECT_EQ(reg_.ReadString(Path(), "b"), "AB");
 }
 
 TEST_F(AdvRegistryAccessTest, EnumValuesListsEveryKindOrOneKind) {

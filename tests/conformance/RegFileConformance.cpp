@@ -45,6 +45,9 @@ TEST_F(RegFileTest, TextDwordAndHexValues) {
 TEST_F(RegFileTest, ContinuedHexLineReadsTheBackslashAsZero) {
   ASSERT_EQ(Import({"REGEDIT4", Section(), "\"a\"=hex:01,\\", "  02,03"}), 1);
   EXPECT_EQ(reg_.ReadBinary(Path(), "a"), "01 00");
+  std::vector<std::string> names;
+  std::vector<RegValue> values;
+  EXPECT_EQ(reg_.EnumValues(Path(), names, values), 1);
 }
 
 TEST_F(RegFileTest, DeletingValuesAndTheDefault) {
@@ -95,6 +98,29 @@ TEST_F(RegFileTest, NameIsNotTrimmedAndHexPrefixIgnoresCase) {
   EXPECT_EQ(reg_.ReadString(Path(), "a "), std::string("b\0", 2));
   EXPECT_EQ(reg_.ReadBinary(Path(), "h"), "0A");
   EXPECT_EQ(reg_.ReadDWORD(Path(), "d"), 16);
+}
+
+TEST_F(RegFileTest, OtherValueFormsAreText) {
+  ASSERT_EQ(Import({"REGEDIT4", Section(), "\"e\"=hex(2):25,00"}), 1);
+  EXPECT_EQ(reg_.ReadString(Path(), "e"), std::string("hex(2):25,00\0", 13));
+}
+
+TEST_F(RegFileTest, QuotesGoAfterTheTrimSoBlanksInsideThemStay) {
+  ASSERT_EQ(Import({"REGEDIT4", Section(), "\"a\"=\"b \"", "@=\" \""}), 1);
+  platform::RegHandle key = 0;
+  ASSERT_EQ(Store().RegOpenKeyExA(platform::reg::kCurrentUser, Base(), 0, platform::reg::kRead, key), 0);
+  char data[8] = {};
+  std::uint32_t size = sizeof data;
+  ASSERT_EQ(Store().RegQueryValueExA(key, "a", nullptr, nullptr,
+                                     reinterpret_cast<std::uint8_t*>(data), &size),
+            0);
+  EXPECT_EQ(std::string(data, size), std::string("b \0", 3));
+  size = sizeof data;
+  ASSERT_EQ(Store().RegQueryValueExA(key, "", nullptr, nullptr,
+                                     reinterpret_cast<std::uint8_t*>(data), &size),
+            0);
+  EXPECT_EQ(std::string(data, size), std::string(" \0", 2));
+  Store().RegCloseKey(key);
 }
 
 TEST_F(RegFileTest, HeaderIsRequiredInAnyCaseButUntrimmed) {

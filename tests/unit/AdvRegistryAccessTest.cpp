@@ -156,6 +156,24 @@ TEST_F(AdvRegistryAccessTest, ExportWorkerWithoutSubkeysWritesOneBlock) {
   EXPECT_EQ(Read(path), "[HKEY_CURRENT_USER\\Software\\Exp]\r\n\r\n");
 }
 
+TEST_F(AdvRegistryAccessTest, ExportWorkerTakesAnyNonZeroFlagForSubkeys) {
+  reg_.WriteString("HKCU\\Software\\Exp\\Child", "c", "1");
+  const std::string path = Write("export.reg", "");
+  StatusBox box;
+  EXPECT_EQ(AdvRegistryAccessProbe::ExportKey(reg_, "HKCU\\Software\\Exp", path, 1, &box), kTrue);
+  EXPECT_EQ(box.texts.size(), 2u);
+}
+
+// A binary default value is read as text for the default-value line, and listed again with the
+// binary values, where no test for an empty name is made.
+TEST_F(AdvRegistryAccessTest, ExportWorkerWritesABinaryDefaultValueTwice) {
+  reg_.WriteBinary("HKCU\\Software\\Exp", "", "01");
+  const std::string path = Write("export.reg", "");
+  StatusBox box;
+  EXPECT_EQ(AdvRegistryAccessProbe::ExportKey(reg_, "HKCU\\Software\\Exp", path, kTrue, &box), kTrue);
+  EXPECT_EQ(Read(path), "[HKEY_CURRENT_USER\\Software\\Exp]\r\n@=\"\x01\"\r\n\"\"=hex:01\r\n\r\n");
+}
+
 TEST_F(AdvRegistryAccessTest, ExportWorkerLeftWithoutTextBoxDoesNotYield) {
   reg_.CreateKey("HKCU\\Software\\Exp");
   const std::string path = Write("export.reg", "");

@@ -138,5 +138,25 @@ TEST_F(MemoryRegistryTest, AccessIsCheckedAgainstTheHandlesRights) {
   store.RegCloseKey(h);
 }
 
+TEST_F(MemoryRegistryTest, KeysGoNoDeeperThan512Levels) {
+  MemoryRegistry store;
+  std::string path = "Software";  // level 1
+  for (int level = 2; level <= 512; ++level) path += "\\a";
+  RegHandle h = 0;
+  ASSERT_EQ(store.RegCreateKeyA(reg::kCurrentUser, path, h), 0);
+  store.RegCloseKey(h);
+  EXPECT_EQ(store.RegCreateKeyA(reg::kCurrentUser, path + "\\a", h), reg::kInvalidParameter);
+  ASSERT_TRUE(store.SaveToFile(path_));
+  MemoryRegistry loaded;
+  EXPECT_TRUE(loaded.LoadFromFile(path_));
+  std::ofstream(path_, std::ios::binary)
+      << "Quorvane registry store 1\nkey\tHKEY_CURRENT_USER" << [] {
+           std::string deep;
+           for (int level = 0; level <= 512; ++level) deep += "\ta";
+           return deep;
+         }() << "\n";
+  EXPECT_FALSE(loaded.LoadFromFile(path_));
+}
+
 }  // namespace
 }  // namespace quorvane::platform

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "AdvRegistryAccessProbe.h"
 #include "core/Failure.h"
@@ -117,19 +119,37 @@ TEST_F(ConvertersTest, ParsePathReplacesLongFormsAnywhere) {
 }
 
 TEST_F(ConvertersTest, MembersInDispatchOrderWithTheirHelpTexts) {
+  const std::vector<std::pair<std::string, std::string>> expected = {
+      {"CreateKeyIfDoesntExists",
+       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
+      {"CreateKeyIfDoesntExists",
+       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
+      {"CreateKey", "Creates key in registry..."},
+      {"KillKey", "Deletes key from registry..."},
+      {"KeyExists", "Checks if some key exists..."},
+      {"EnumKeys", "Enumerates subkeys of some key..."},
+      {"HaveSubkey", "Checks for subkeys in some key..."},
+      {"WriteString", "Writes data of string type..."},
+      {"ReadString", "Reads data of string type..."},
+      {"WriteDWORD", "Writes data of dword type..."},
+      {"ReadDWORD", "Reads data of dword type..."},
+      {"WriteBinary", "Writes data of binary type..."},
+      {"ReadBinary", "Reads data of binary type..."},
+      {"KillValue", "Deletes value from registry..."},
+      {"ValueExists", "Checks if some value exists in registry"},
+      {"EnumValues", "Enumerates all values from specified key..."},
+      {"ExportToReg", ""},
+      {"ImportFromReg", "Imports .reg file into registry..."},
+      {"StrToBin", "Converts hex (string) into it's binary value..."},
+      {"BinToStr", "Converts binary data into string..."},
+      {"isBinValid", "Checks if given binary data is in valid hex format (used for writting binary)"},
+  };
   const auto& members = AdvRegistryAccess::Members();
-  ASSERT_EQ(members.size(), 20u);
-  EXPECT_STREQ(members.front().name, "CreateKeyIfDoesntExists");
-  EXPECT_STREQ(members.front().description,
-               "Let/Get. Should key will be created if no exists (when writting data to registry)");
-  EXPECT_STREQ(members[14].name, "EnumValues");
-  EXPECT_STREQ(members[14].description, "Enumerates all values from specified key...");
-  EXPECT_STREQ(members[15].name, "ExportToReg");
-  EXPECT_STREQ(members[15].description, "");
-  EXPECT_STREQ(members[17].description, "Converts hex (string) into it's binary value...");
-  EXPECT_STREQ(members.back().name, "isBinValid");
-  EXPECT_STREQ(members.back().description,
-               "Checks if given binary data is in valid hex format (used for writting binary)");
+  ASSERT_EQ(members.size(), expected.size());
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    EXPECT_EQ(members[i].name, expected[i].first) << i;
+    EXPECT_EQ(members[i].description, expected[i].second) << i;
+  }
 }
 
 }  // namespace

@@ -13,6 +13,8 @@ namespace quorvane::platform {
 namespace {
 
 constexpr std::uint32_t kMaximumAllowed = 0x02000000u;
+// The platform's registry is at most 512 levels deep.
+constexpr std::size_t kMaximumDepth = 512;
 constexpr std::uint32_t kChangingRights = reg::kSetValue | reg::kCreateSubKey | 0x20u |
                                           reg::kDelete | 0x40000u | 0x80000u;
 
@@ -101,6 +103,16 @@ MemoryRegistry::MemoryRegistry() {
 
 MemoryRegistry::~MemoryRegistry() = default;
 
+namespace {
+
+std::size_t Depth(const MemoryRegistry::Key& key) {
+  std::size_t depth = 0;
+  for (const MemoryRegistry::Key* k = &key; k->parent != nullptr; k = k->parent) ++depth;
+  return depth;
+}
+
+}  // namespace
+
 std::uint32_t MemoryRegistry::AllowedAccess(const Key& key, std::uint32_t wanted) const {
   if (wanted & kMaximumAllowed) {
     return key.denyChanges ? reg::kRead : reg::kAllAccess;
@@ -145,6 +157,7 @@ RegStatus MemoryRegistry::Walk(const std::shared_ptr<Key>& from, const std::stri
     std::shared_ptr<Key> next = at->Find(segment);
     if (!next) {
       if (!create) return reg::kFileNotFound;
+      if (Depth(*at) + 1 > kMaximumDepth) return reg::kInvalidParameter;
       if (at->denyChanges) return reg::kAccessDenied;
       next = at->Add(segment);
     }
@@ -470,6 +483,7 @@ bool MemoryRegistry::LoadFromFile(const std::string& path) {
       std::size_t root = 0;
       while (root < 3 && f[1] != kSavedRoots[root]) ++root;
       if (root == 3) return false;
+      if (f.size() - 2 > kMaximumDepth) return false;
       current = loaded.roots_.at(kSavedRootHandles[root]);
       for (std::size_t i = 2; i < f.size(); ++i) {
         std::string segment;
