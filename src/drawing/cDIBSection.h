@@ -9,7 +9,8 @@
 // The object owns its device context and its bitmap: either both are there, the bitmap selected
 // into the context, or neither. ClearUp frees them, and it runs at the object's end too.
 // Failures of the platform calls show only in the boolean results. Arithmetic beyond 32 bits is
-// an overflow failure. RandomiseBits and Resample on an object with no bitmap fail.
+// an overflow failure. RandomiseBits on an object with no bitmap fails, and so does a Resample
+// that has to blend; a Resample to the size the object last had only copies, and gives black.
 #include <cstdint>
 #include <memory>
 
@@ -76,8 +77,8 @@ class cDIBSection {
   void ClearUp();
 
   // A new object of the size, its picture resampled bilinearly from this one; none when the new
-  // bitmap can't be made. Note the order: height first. The source must be at least 2 by 2
-  // pixels; a smaller one fails.
+  // bitmap can't be made. Note the order: height first. Blending needs a source of at least 2 by
+  // 2 pixels and fails on a smaller one; a copy to the same size does not blend.
   std::unique_ptr<cDIBSection> Resample(std::int32_t lNewHeight, std::int32_t lNewWidth);
 
  private:

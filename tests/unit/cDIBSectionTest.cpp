@@ -638,6 +638,28 @@ TEST_F(cDIBSectionTest, ResamplingBlendsAcrossThenDownRoundingHalvesToEven) {
   }
 }
 
+// A scale of 1/6 is no power of two: the scale stored in single precision and the blend done in
+// single precision give 13 at the last column, where double precision would give 12.
+TEST_F(cDIBSectionTest, ResamplingWorksInSinglePrecision) {
+  cDIBSection source;
+  ASSERT_EQ(source.Create(2, 2), kTrue);
+  for (int row = 0; row < 2; ++row) {
+    SetPixel(source, 0, row, 0, 0, 0);
+    SetPixel(source, 1, row, 15, 0, 3);
+  }
+  const auto target = source.Resample(2, 6);
+  ASSERT_NE(target, nullptr);
+  ASSERT_EQ(target->Width(), 6);
+  ASSERT_EQ(target->Height(), 2);
+  const int blue[6] = {0, 2, 5, 8, 10, 13};
+  const int red[6] = {0, 0, 1, 2, 2, 2};
+  for (int row = 0; row < 2; ++row) {
+    for (int x = 0; x < 6; ++x) {
+      EXPECT_EQ(Pixel(*target, x, row), (std::vector<int>{blue[x], 0, red[x]})) << x << "," << row;
+    }
+  }
+}
+
 TEST_F(cDIBSectionTest, ShrinkingByWholeStepsPicksSourcePixels) {
   cDIBSection source;
   ASSERT_EQ(source.Create(5, 5), kTrue);

@@ -387,14 +387,28 @@ Loaded Load(const char* path) {
   return loaded;
 }
 
+bool WriteFile(const std::string& path, const std::string& bytes) {
+  File f(std::fopen(path.c_str(), "wb"));
+  if (!f) return false;
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
+    return false;
+  }
+  return std::fclose(f.release()) == 0;
+}
+
+// The new content goes to a file beside the old one and is renamed over it, so a write that
+// fails half-way leaves the old file whole. Where no file can be made beside it, the file is
+// written in place.
 std::int32_t Save(const char* path, const Profile& profile) {
   const std::string bytes = Encode(profile.encoding, Serialize(profile));
-  File f(std::fopen(path, "wb"));
-  if (!f) return 0;
-  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
+  const std::string temporary = std::string(path) + ".quorvane-new";
+  if (WriteFile(temporary, bytes)) {
+    if (std::rename(temporary.c_str(), path) == 0) return 1;
+    std::remove(temporary.c_str());
     return 0;
   }
-  return std::fclose(f.release()) == 0 ? 1 : 0;
+  std::remove(temporary.c_str());
+  return WriteFile(path, bytes) ? 1 : 0;
 }
 
 // --- copying into the caller's buffer -------------------------------------------------------------
