@@ -1,0 +1,175 @@
+#pragma once
+// The main window: its controls, as the design places them, its members, and its routines.
+// Routines of other modules reach the window through MainWindow().
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "core/Types.h"
+#include "stores/AdvRegistryAccess.h"
+#include "ui/Controls.h"
+
+namespace quorvane {
+
+// One row of the icon catalogue.
+struct IconRecord {
+  std::string Name;
+  std::string Key;
+  std::string Current;
+  std::string Pending;
+  std::string Default;
+  std::string ValueName;
+  std::int16_t ImageNumber = 0;
+  std::string Backup;
+};
+
+// Rows 0 to 64 are used; 65 to 70 stay empty for the life of the program.
+inline constexpr std::size_t kIconRecordCount = 71;
+
+class FrmMain {
+ public:
+  FrmMain();
+  FrmMain(const FrmMain&) = delete;
+  FrmMain& operator=(const FrmMain&) = delete;
+
+  // --- the window itself --------------------------------------------------------------------
+  std::string Caption = "Quorvane";
+  std::int32_t Width = 11250;   // twips
+  std::int32_t Height = 8550;
+  bool Visible = false;
+
+  // --- pages and commands -------------------------------------------------------------------
+  ui::PictureBox PBPelmoraMain{"PBPelmoraMain"};
+  ui::PictureBox PBFileSystem{"PBFileSystem"};
+  ui::PictureBox PBAppearance{"PBAppearance"};
+  ui::PictureBox PBWallpaper{"PBWallpaper"};
+  ui::PictureBox FrameCommands{"FrameCommands"};
+  ui::PictureBox FrameWallpaper{"FrameWallpaper"};
+  ui::ControlArray<ui::PictureBox, 4> CmdMenu{"CmdMenu"};
+  ui::PictureBox CmdWindow{"CmdWindow"};
+  ui::PictureBox CmdChange{"CmdChange"};
+  ui::PictureBox CmdReset{"CmdReset"};
+  ui::PictureBox CmdDefault{"CmdDefault"};
+  ui::PictureBox CmdApply{"CmdApply"};
+  ui::PictureBox CmdSetAsWallpaper{"CmdSetAsWallpaper"};
+  ui::PictureBox CmdSettings{"CmdSettings"};
+  ui::PictureBox CmdSlideShow{"CmdSlideShow"};
+  ui::PictureBox PicClose{"PicClose"};
+  ui::PictureBox PicMin{"PicMin"};
+  ui::ControlArray<ui::PictureBox, 2> imgTop{"imgTop"};
+  ui::ControlArray<ui::PictureBox, 2> imgTopRow{"imgTopRow"};
+  ui::ControlArray<ui::PictureBox, 2> imgTopRowHover{"imgTopRowHover"};
+  ui::Label LblCommandName{"LblCommandName"};
+  ui::Label LblCommandDesc{"LblCommandDesc"};
+  ui::Label LblDescribtion{"LblDescribtion"};
+  ui::Label Label30{"Label30"};
+  ui::Label Label33{"Label33"};
+
+  // --- the icon page --------------------------------------------------------------------------
+  ui::TreeView TvDesktop{"TvDesktop"};
+  ui::TreeView TvStartMenu{"TvStartMenu"};
+  ui::TreeView TvExplore{"TvExplore"};
+  ui::TreeView TvFileType{"TvFileType"};
+  ui::TreeView TvControlPanel{"TvControlPanel"};
+  ui::ImageList ILicons{"ILicons"};
+  ui::PictureBox sIcon{"sIcon"};
+  ui::PictureBox mIcon{"mIcon"};
+  ui::PictureBox lIcon{"lIcon"};
+  ui::Label LblIconCat{"LblIconCat"};
+  ui::Label Label4{"Label4"};
+  ui::Label Label5{"Label5"};
+
+  // --- the file system page -------------------------------------------------------------------
+  ui::TreeView Tree{"Tree"};
+  ui::ImageList Im16{"Im16"};
+  ui::PictureBox Pi1{"Pi1"};
+  ui::PictureBox PicSmall{"PicSmall"};
+  ui::PictureBox PicLarge{"PicLarge"};
+
+  // --- the appearance page --------------------------------------------------------------------
+  ui::PictureBox Picture1{"Picture1"};
+  ui::ValueControl Slider{"Slider"};
+  ui::ValueControl TxtHorizontal{"TxtHorizontal"};
+  ui::ValueControl TxtVertical{"TxtVertical"};
+  ui::CheckBox ChkShowShortCut{"ChkShowShortCut"};
+  ui::Label LblAppearanceMsg{"LblAppearanceMsg"};
+  ui::Label LblStatus{"LblStatus"};
+  ui::Label Label8{"Label8"};
+  ui::Label Label9{"Label9"};
+  ui::Label Label12{"Label12"};
+  ui::Label Label14{"Label14"};
+  ui::Label Label17{"Label17"};
+  ui::PictureBox PBDesktop{"PBDesktop"};
+  ui::PictureBox ImgMyComputer{"ImgMyComputer"};
+  ui::PictureBox ImgMyDocuments{"ImgMyDocuments"};
+  ui::PictureBox ImgRecycleBin{"ImgRecycleBin"};
+  ui::Label LblMyComputer{"LblMyComputer"};
+  ui::Label LblMyDocuments{"LblMyDocuments"};
+  ui::Label LblRecycleBin{"LblRecycleBin"};
+
+  // --- the wallpaper page ---------------------------------------------------------------------
+  ui::TreeView TvCollections{"TvCollections"};
+  ui::ControlArray<ui::Label, 3> CmdWallpaperControl{"CmdWallpaperControl"};
+  ui::Label Label13{"Label13"};
+
+  // --- the tray -------------------------------------------------------------------------------
+  ui::PictureBox PicPopup{"PicPopup"};
+  ui::PictureBox ImgPopupWindows{"ImgPopupWindows"};
+
+  // --- members --------------------------------------------------------------------------------
+  std::array<IconRecord, kIconRecordCount> IconRecords;
+  std::string OSName;
+  std::int16_t CategoryClickX = 0;
+  std::int16_t CategoryClickY = 0;
+  std::int16_t mIconSize = 0;
+  std::int16_t mFormLoaded = 0;
+  std::string mHoverKey;
+
+  // The registry object, made on first use and kept for the life of the window.
+  AdvRegistryAccess& Reg();
+
+  // --- routines -------------------------------------------------------------------------------
+  // The load routine: everything the program does at its start, and again after icons are
+  // written. Its one error path reports through ReportError.
+  void Form_Load();
+  // Unload requests: `UnloadMode` 0 is the close from the system menu or the keyboard.
+  void Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode);
+  void CmdMenu_Click(std::int16_t Index);
+  void CmdWindow_Click();
+  void ResetHover();
+  void TvDesktop_Click();
+  void TvStartMenu_Click();
+  void TvExplore_Click();
+  void TvFileType_Click();
+  void TvControlPanel_Click();
+  void PicClose_Click();
+  void PicMin_Click();
+  void mnuShowHide_Click();
+  void mnuExit_Click();
+
+  // Every control of the window, for a binding and for lookups by name.
+  const std::vector<ui::Control*>& Controls() const { return controls_; }
+  // The control of that name (and index, for an element of a control array); null if none.
+  ui::Control* FindControl(const std::string& name, std::int32_t index = -1) const;
+
+ private:
+  std::unique_ptr<AdvRegistryAccess> reg_;
+  std::vector<ui::Control*> controls_;
+};
+
+// The main window of the process; a failure when none is installed.
+FrmMain& MainWindow();
+// Makes `form` the main window for the life of the scope.
+class MainWindowScope {
+ public:
+  explicit MainWindowScope(FrmMain& form);
+  ~MainWindowScope();
+  MainWindowScope(const MainWindowScope&) = delete;
+  MainWindowScope& operator=(const MainWindowScope&) = delete;
+
+ private:
+  FrmMain* previous_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,163 @@
+#include "ui/Controls.h"
+
+#include "core/Failure.h"
+
+namespace quorvane::ui {
+
+Control::Control(std::string name, std::int32_t index) : name_(std::move(name)), index_(index) {}
+
+void Control::Notify(Property property) {
+  if (observer_ != nullptr) observer_->Changed(*this, property);
+}
+
+void Control::Visible(bool value) {
+  visible_ = value;
+  Notify(Property::Visible);
+}
+
+void Control::Enabled(bool value) {
+  enabled_ = value;
+  Notify(Property::Enabled);
+}
+
+void Control::Tag(const std::string& value) {
+  tag_ = value;
+  Notify(Property::Tag);
+}
+
+void Control::Left(std::int32_t value) {
+  left_ = value;
+  Notify(Property::Position);
+}
+
+void Control::Top(std::int32_t value) {
+  top_ = value;
+  Notify(Property::Position);
+}
+
+void Control::Width(std::int32_t value) {
+  width_ = value;
+  Notify(Property::Position);
+}
+
+void Control::Height(std::int32_t value) {
+  height_ = value;
+  Notify(Property::Position);
+}
+
+void Label::Caption(const std::string& value) {
+  caption_ = value;
+  Notify(Property::Caption);
+}
+
+void CheckBox::Caption(const std::string& value) {
+  caption_ = value;
+  Notify(Property::Caption);
+}
+
+void CheckBox::Value(std::int16_t value) {
+  const bool changed = value != value_;
+  value_ = value;
+  Notify(Property::Value);
+  if (changed && Click) Click();
+}
+
+void ValueControl::Value(std::int32_t value) {
+  const bool changed = value != value_;
+  value_ = value;
+  Notify(Property::Value);
+  if (changed && Change) Change();
+}
+
+std::int16_t ImageList::Add(const std::string& key, const Pixels& picture) {
+  if (images_.size() >= 32767) RaiseOverflow();
+  if (images_.empty() && ImageWidth == 0 && ImageHeight == 0) {
+    ImageWidth = picture.width;
+    ImageHeight = picture.height;
+  }
+  images_.push_back({key, picture});
+  if (changed_) changed_();
+  return Count();
+}
+
+const ImageList::ListImage& ImageList::Item(std::int32_t number) const {
+  if (number < 1 || number > static_cast<std::int32_t>(images_.size())) {
+    Raise(FailureNumber::InvalidProcedureCall, "Index out of bounds");
+  }
+  return images_[static_cast<std::size_t>(number - 1)];
+}
+
+void ImageList::Clear() {
+  images_.clear();
+  if (changed_) changed_();
+}
+
+std::int32_t TreeView::Add(const std::string& text, std::int16_t image,
+                           std::int16_t selectedImage, const std::string& key,
+                           std::int32_t parent) {
+  if (parent < 0 || parent > Count()) {
+    Raise(FailureNumber::InvalidProcedureCall, "Element not found");
+  }
+  if (!key.empty()) {
+    for (const Node& n : nodes_) {
+      if (n.Key == key) Raise(FailureNumber::InvalidProcedureCall, "Key is not unique in collection");
+    }
+  }
+  Node node;
+  node.Text = text;
+  node.Key = key;
+  node.Image = image;
+  node.SelectedImage = selectedImage;
+  node.Parent = parent;
+  nodes_.push_back(std::move(node));
+  Notify(Property::Nodes);
+  return Count();
+}
+
+Node& TreeView::Item(std::int32_t position) {
+  if (position < 1 || position > Count()) {
+    Raise(FailureNumber::InvalidProcedureCall, "Index out of bounds");
+  }
+  return nodes_[static_cast<std::size_t>(position - 1)];
+}
+
+const Node& TreeView::Item(std::int32_t position) const {
+  return const_cast<TreeView*>(this)->Item(position);
+}
+
+void TreeView::Clear() {
+  nodes_.clear();
+  selected_ = 0;
+  Notify(Property::Nodes);
+}
+
+void TreeView::Select(std::int32_t position) {
+  if (position != 0) Item(position);  // a position outside the tree is a failure
+  selected_ = position;
+  Notify(Property::NodeState);
+}
+
+void TreeView::NodeChanged(std::int32_t position) {
+  Item(position);
+  Notify(Property::NodeState);
+}
+
+PictureBox::PictureBox(std::string name, std::int32_t index) : Control(std::move(name), index) {}
+
+void PictureBox::Picture(const Pixels& value) {
+  picture_ = value;
+  Notify(Property::Picture);
+}
+
+std::uint32_t PictureBox::hDC() { return surface_ ? surface_->hDC(*this) : 0; }
+
+void PictureBox::Cls() {
+  if (surface_) surface_->Cls(*this);
+  Notify(Property::Image);
+}
+
+Pixels PictureBox::Image() { return surface_ ? surface_->Image(*this) : Pixels{}; }
+
+void PictureBox::Refresh() { Notify(Property::Image); }
+
+}  // namespace quorvane::ui

@@ -1,0 +1,271 @@
+#pragma once
+// The retained control model the forms are written against. Each control holds exactly the
+// properties the system reads and sets; headless, the model is the whole control, and tests click
+// it and read it. A binding (the Windows one in src/ui/win32) watches a control through its
+// observer and mirrors every change onto a real window, and turns the window's events into the
+// control's handlers.
+//
+// Positions and sizes are in twips, 15 to the pixel. Image numbers count from 1.
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quorvane::ui {
+
+inline constexpr std::int32_t kTwipsPerPixel = 15;
+
+// Pixels of an image, 32 bits each as blue, green, red, alpha, rows top-down.
+struct Pixels {
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  std::vector<std::uint32_t> bgra;
+
+  bool Empty() const { return width <= 0 || height <= 0; }
+  bool operator==(const Pixels&) const = default;
+};
+
+// What a binding is told when a property of its control changes.
+enum class Property {
+  Visible, Enabled, Tag, Position, Caption, Picture, Image, Value, Nodes, NodeState, Images,
+};
+
+class Control;
+
+class ControlObserver {
+ public:
+  virtual ~ControlObserver() = default;
+  virtual void Changed(Control& control, Property property) = 0;
+};
+
+// A value held in a Tag: nothing, a number or a text.
+using TagValue = std::variant<std::monostate, std::int32_t, std::string>;
+
+class Control {
+ public:
+  // `index` is the element's index in a control array, -1 for a control that is none.
+  explicit Control(std::string name, std::int32_t index = -1);
+  virtual ~Control() = default;
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+
+  // The system's name of the control ("TvDesktop"), and of an element its index.
+  const std::string& Name() const { return name_; }
+  std::int32_t Index() const { return index_; }
+
+  bool Visible() const { return visible_; }
+  void Visible(bool value);
+  bool Enabled() const { return enabled_; }
+  void Enabled(bool value);
+  const std::string& Tag() const { return tag_; }
+  void Tag(const std::string& value);
+
+  std::int32_t Left() const { return left_; }
+  std::int32_t Top() const { return top_; }
+  std::int32_t Width() const { return width_; }
+  std::int32_t Height() const { return height_; }
+  void Left(std::int32_t value);
+  void Top(std::int32_t value);
+  void Width(std::int32_t value);
+  void Height(std::int32_t value);
+
+  // Handlers: the form's routines, connected by the form.
+  std::function<void()> Click;
+  std::function<void()> DblClick;
+  std::function<void(std::int16_t button, std::int16_t shift, float x, float y)> MouseMove;
+  std::function<void(std::int16_t button, std::int16_t shift, float x, float y)> MouseDown;
+
+  void Observe(ControlObserver* observer) { observer_ = observer; }
+
+  // The control this one stands in (a picture box used as a page), or none for the form's own
+  // surface. Positions are relative to it.
+  Control* Container = nullptr;
+
+ protected:
+  void Notify(Property property);
+
+ private:
+  std::string name_;
+  std::int32_t index_;
+  bool visible_ = true;
+  bool enabled_ = true;
+  std::string tag_;
+  std::int32_t left_ = 0, top_ = 0, width_ = 0, height_ = 0;
+  ControlObserver* observer_ = nullptr;
+};
+
+class Label : public Control {
+ public:
+  using Control::Control;
+  const std::string& Caption() const { return caption_; }
+  void Caption(const std::string& value);
+
+ private:
+  std::string caption_;
+};
+
+class CheckBox : public Control {
+ public:
+  using Control::Control;
+  const std::string& Caption() const { return caption_; }
+  void Caption(const std::string& value);
+  // 0 unticked, 1 ticked; setting a new value runs Click, as the platform's check box does.
+  std::int16_t Value() const { return value_; }
+  void Value(std::int16_t value);
+
+ private:
+  std::string caption_;
+  std::int16_t value_ = 0;
+};
+
+// A slider, or a spin edit: a number between bounds.
+class ValueControl : public Control {
+ public:
+  using Control::Control;
+  std::int32_t Value() const { return value_; }
+  void Value(std::int32_t value);
+  std::int32_t Min = 0;
+  std::int32_t Max = 10;
+  // Runs when the value changes.
+  std::function<void()> Change;
+
+ private:
+  std::int32_t value_ = 0;
+};
+
+class ImageList {
+ public:
+  explicit ImageList(std::string name) : name_(std::move(name)) {}
+  const std::string& Name() const { return name_; }
+
+  struct ListImage {
+    std::string key;
+    Pixels picture;
+  };
+
+  // Adds an image at the end and gives its number. The first image sets the size of all when
+  // the list has none yet; a later image of another size is fitted to it.
+  std::int16_t Add(const std::string& key, const Pixels& picture);
+  std::int16_t Count() const { return static_cast<std::int16_t>(images_.size()); }
+  // Image `number`, from 1; a number outside the list is a failure.
+  const ListImage& Item(std::int32_t number) const;
+  void Clear();
+
+  std::int32_t ImageWidth = 0;
+  std::int32_t ImageHeight = 0;
+
+  void Observe(std::function<void()> changed) { changed_ = std::move(changed); }
+
+ private:
+  std::string name_;
+  std::vector<ListImage> images_;
+  std::function<void()> changed_;
+};
+
+class TreeView;
+
+// A node of a tree view. Nodes are reached by position from 1, in the order they were added.
+struct Node {
+  std::string Text;
+  std::string Key;
+  std::int16_t Image = 0;
+  std::int16_t SelectedImage = 0;
+  TagValue Tag;
+  bool Bold = false;
+  bool Expanded = false;
+  std::int32_t Parent = 0;  // position of the parent node, 0 at top level
+};
+
+class TreeView : public Control {
+ public:
+  using Control::Control;
+
+  // Adds a node at top level (or under `parent`, a position from 1) and gives its position.
+  std::int32_t Add(const std::string& text, std::int16_t image, std::int16_t selectedImage,
+                   const std::string& key = std::string(), std::int32_t parent = 0);
+  std::int32_t Count() const { return static_cast<std::int32_t>(nodes_.size()); }
+  // Node `position`, from 1; a position outside the tree is a failure.
+  Node& Item(std::int32_t position);
+  const Node& Item(std::int32_t position) const;
+  void Clear();
+
+  // The selected node's position, 0 when none is.
+  std::int32_t SelectedItem() const { return selected_; }
+  // Selects a node (and no other), or none with 0. Selecting from code runs no handler.
+  void Select(std::int32_t position);
+  // Tells the binding that a node's text, image, bold mark or tag changed.
+  void NodeChanged(std::int32_t position);
+
+  // The image list the nodes' image numbers refer to.
+  ImageList* Images = nullptr;
+
+ private:
+  std::vector<Node> nodes_;
+  std::int32_t selected_ = 0;
+};
+
+class PictureBox;
+
+// The drawing surface behind a picture box: the binding (or, headless, a plain memory surface)
+// gives it. Kept apart so that the model needs no platform.
+class Surface {
+ public:
+  virtual ~Surface() = default;
+  // A device context that drawing calls may use, of the box's size; 0 when none can be had.
+  virtual std::uint32_t hDC(PictureBox& box) = 0;
+  // Fills the persistent image with the back colour.
+  virtual void Cls(PictureBox& box) = 0;
+  // The persistent image as it is now.
+  virtual Pixels Image(PictureBox& box) = 0;
+};
+
+class PictureBox : public Control {
+ public:
+  explicit PictureBox(std::string name, std::int32_t index = -1);
+
+  // The picture shown, as pixels; empty for none.
+  const Pixels& Picture() const { return picture_; }
+  void Picture(const Pixels& value);
+
+  // Persistent drawing: what is drawn on the box's context stays in its image.
+  bool AutoRedraw() const { return autoRedraw_; }
+  void AutoRedraw(bool value) { autoRedraw_ = value; }
+  std::uint32_t BackColor = 0xFFFFFF;  // 0xBBGGRR
+  std::int32_t ScaleWidth = 0;
+  std::int32_t ScaleHeight = 0;
+
+  std::uint32_t hDC();
+  void Cls();
+  Pixels Image();
+  void Refresh();
+
+  // The surface the box draws on; the form's binding sets it, tests may set their own.
+  void UseSurface(std::shared_ptr<Surface> surface) { surface_ = std::move(surface); }
+
+ private:
+  Pixels picture_;
+  bool autoRedraw_ = false;
+  std::shared_ptr<Surface> surface_;
+};
+
+// A control array: elements of one name, counted from 0.
+template <class T, std::size_t N>
+class ControlArray {
+ public:
+  explicit ControlArray(const std::string& name) {
+    for (std::size_t i = 0; i < N; ++i) {
+      elements_[i] = std::make_unique<T>(name, static_cast<std::int32_t>(i));
+    }
+  }
+  T& operator[](std::size_t index) { return *elements_.at(index); }
+  const T& operator[](std::size_t index) const { return *elements_.at(index); }
+  static constexpr std::size_t size() { return N; }
+
+ private:
+  std::array<std::unique_ptr<T>, N> elements_;
+};
+
+}  // namespace quorvane::ui
