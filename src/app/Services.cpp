@@ -10,6 +10,7 @@
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32ResourcePictures.h"
 
 namespace quorvane::app {
 
@@ -27,6 +28,7 @@ void InstallForGood() {
 void InstallWin32Services() {
   InstallForGood<platform::Process, platform::Win32Process>();
   InstallForGood<platform::RegistryStore, platform::Win32Registry>();
+  InstallForGood<platform::ResourcePictures, platform::Win32ResourcePictures>();
   InstallForGood<platform::ProfileFiles, platform::Win32ProfileFiles>();
   InstallForGood<platform::FileSystem, platform::Win32FileSystem>();
   InstallForGood<platform::EventLoop, platform::Win32EventLoop>();

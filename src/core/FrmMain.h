@@ -38,6 +38,9 @@ class FrmMain {
   std::int32_t Width = 11250;   // twips
   std::int32_t Height = 8550;
   bool Visible = false;
+  // The real window and the window's own icon, once a binding made them; 0 headless.
+  std::uint32_t hWnd = 0;
+  std::uint32_t Icon = 0;
 
   // --- pages and commands -------------------------------------------------------------------
   ui::PictureBox PBPelmoraMain{"PBPelmoraMain"};

@@ -83,6 +83,8 @@ class Control {
   // The control this one stands in (a picture box used as a page), or none for the form's own
   // surface. Positions are relative to it.
   Control* Container = nullptr;
+  // The real window of the control, once a binding made one; 0 headless.
+  std::uint32_t hWnd = 0;
 
  protected:
   void Notify(Property property);

@@ -17,6 +17,7 @@
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableProfileFiles.h"
+#include "platform/portable/PortableResourcePictures.h"
 
 namespace quorvane::testing {
 
@@ -37,6 +38,7 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::DeviceContexts>(&gdi_);
     platform::Install<platform::Clipboard>(&clipboard_);
     platform::Install<platform::Clock>(&clock_);
+    platform::Install<platform::ResourcePictures>(&pictures_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -51,6 +53,7 @@ class PortableEnvironment : public ::testing::Environment {
   platform::portable::PortableDeviceContexts gdi_;
   platform::portable::PortableClipboard clipboard_{gdi_};
   platform::portable::PortableClock clock_;
+  platform::PortableResourcePictures pictures_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

@@ -17,6 +17,7 @@
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32ResourcePictures.h"
 
 namespace quorvane::testing {
 
@@ -38,6 +39,7 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::DeviceContexts>(&gdi_);
     platform::Install<platform::Clipboard>(&clipboard_);
     platform::Install<platform::Clock>(&clock_);
+    platform::Install<platform::ResourcePictures>(&pictures_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -52,6 +54,7 @@ class Win32Environment : public ::testing::Environment {
   platform::win32::Win32DeviceContexts gdi_;
   platform::win32::Win32Clipboard clipboard_;
   platform::win32::Win32Clock clock_;
+  platform::Win32ResourcePictures pictures_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

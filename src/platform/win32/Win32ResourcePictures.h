@@ -1,0 +1,12 @@
+#pragma once
+// The program's bitmap resources, read into pixels.
+#include "platform/ResourcePictures.h"
+
+namespace quorvane::platform {
+
+class Win32ResourcePictures final : public ResourcePictures {
+ public:
+  ui::Pixels LoadResPicture(std::int32_t number) override;
+};
+
+}  // namespace quorvane::platform
