@@ -1,16 +1,20 @@
 #include "app/Services.h"
 
 #include "platform/Service.h"
+#include "platform/win32/Win32Application.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32MessageBoxes.h"
+#include "platform/win32/Win32Notification.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
+#include "platform/win32/Win32SystemInfo.h"
+#include "platform/win32/Win32Tray.h"
 
 namespace quorvane::app {
 
@@ -36,6 +40,10 @@ void InstallWin32Services() {
   InstallForGood<platform::Clipboard, platform::win32::Win32Clipboard>();
   InstallForGood<platform::MessageBoxes, platform::win32::Win32MessageBoxes>();
   InstallForGood<platform::Clock, platform::win32::Win32Clock>();
+  InstallForGood<platform::SystemInfo, platform::win32::Win32SystemInfo>();
+  InstallForGood<platform::Tray, platform::win32::Win32Tray>();
+  InstallForGood<platform::Notification, platform::win32::Win32Notification>();
+  InstallForGood<platform::Application, platform::win32::Win32Application>();
 }
 
 }  // namespace quorvane::app

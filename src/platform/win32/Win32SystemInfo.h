@@ -1,0 +1,34 @@
+#pragma once
+// System facts from kernel32 and shell32: the version record, the special folders, raw
+// resources and the executable's folder.
+#include <string>
+
+#include "platform/SystemInfo.h"
+
+namespace quorvane::platform::win32 {
+
+class Win32SystemInfo final : public SystemInfo {
+ public:
+  // Resources come from the process's own executable.
+  Win32SystemInfo() = default;
+  // Resources come from another module file, loaded as data only (a check of what a built
+  // program carries). When it can't be loaded, the program has no resources.
+  explicit Win32SystemInfo(const std::string& resourceModule);
+  ~Win32SystemInfo() override;
+  Win32SystemInfo(const Win32SystemInfo&) = delete;
+  Win32SystemInfo& operator=(const Win32SystemInfo&) = delete;
+
+  std::int32_t GetVersionExA(OsVersionInfo& info) override;
+  std::int32_t SHGetSpecialFolderLocation(std::uint32_t owner, std::int32_t folderId,
+                                          ItemIdList& idList) override;
+  std::int32_t SHGetPathFromIDListA(ItemIdList idList, std::string& path) override;
+  std::optional<std::string> LoadResourceData(const std::string& type,
+                                              const std::string& name) override;
+  std::string ExecutableFolder() override;
+
+ private:
+  void* module_ = nullptr;  // a module loaded as data; null for the executable
+  bool otherModule_ = false;
+};
+
+}  // namespace quorvane::platform::win32
