@@ -68,3 +68,6 @@ endif()
 if(WIN32)
   include(${CMAKE_SOURCE_DIR}/cmake/EndToEnd.cmake OPTIONAL)
 endif()
+
+# Start-up checks that run whole programs under Wine (the XP branch, the blank icon, the tray).
+include(${CMAKE_SOURCE_DIR}/cmake/StartupProbe.cmake)

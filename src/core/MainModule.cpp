@@ -208,7 +208,8 @@ void ReportError(const std::string& moduleName, const std::string& routineName,
     std::string description;
     DescribeCurrentFailure(number, description);
     std::string folder = gDataFolder;
-    if (!folder.empty() && folder.back() != '\\') folder += '\\';
+    // The folder of the executable comes without a separator at its end.
+    if (!folder.empty() && folder.back() != '\\' && folder.back() != '/') folder += '\\';
     const std::string entry = TimeStamp() + "\t" + OneLine(moduleName) + "\t" +
                               OneLine(routineName) + "\tline " + std::to_string(line) +
                               "\terror " + std::to_string(number) + "\t" +

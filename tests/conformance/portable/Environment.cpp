@@ -18,6 +18,8 @@
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
+#include "platform/portable/PortableSystemInfo.h"
+#include "platform/portable/PortableTray.h"
 
 namespace quorvane::testing {
 
@@ -39,6 +41,8 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::Clipboard>(&clipboard_);
     platform::Install<platform::Clock>(&clock_);
     platform::Install<platform::ResourcePictures>(&pictures_);
+    platform::Install<platform::SystemInfo>(&system_);
+    platform::Install<platform::Tray>(&tray_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -54,6 +58,8 @@ class PortableEnvironment : public ::testing::Environment {
   platform::portable::PortableClipboard clipboard_{gdi_};
   platform::portable::PortableClock clock_;
   platform::PortableResourcePictures pictures_;
+  platform::portable::PortableSystemInfo system_;
+  platform::portable::PortableTray tray_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

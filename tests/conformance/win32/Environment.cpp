@@ -18,6 +18,8 @@
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
+#include "platform/win32/Win32SystemInfo.h"
+#include "platform/win32/Win32Tray.h"
 
 namespace quorvane::testing {
 
@@ -40,6 +42,8 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::Clipboard>(&clipboard_);
     platform::Install<platform::Clock>(&clock_);
     platform::Install<platform::ResourcePictures>(&pictures_);
+    platform::Install<platform::SystemInfo>(&system_);
+    platform::Install<platform::Tray>(&tray_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -55,6 +59,8 @@ class Win32Environment : public ::testing::Environment {
   platform::win32::Win32Clipboard clipboard_;
   platform::win32::Win32Clock clock_;
   platform::Win32ResourcePictures pictures_;
+  platform::win32::Win32SystemInfo system_;
+  platform::win32::Win32Tray tray_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =
