@@ -10,6 +10,10 @@ probe="${1:?usage: check-empty-icon.sh <osname_probe.exe> <quorvane.exe> <Empty.
 program="${2:?}"
 expected="${3:?}"
 
+for file in "$probe" "$program" "$expected"; do
+  [ -f "$file" ] || { echo "FAILED: $file is missing (build with cmake --build --preset windows)"; exit 1; }
+done
+
 source "$root/scripts/wine-env.sh"
 wine_prepare
 
