@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -222,6 +223,11 @@ struct VersionCase {
   const char* name;
 };
 
+void PrintTo(const VersionCase& c, std::ostream* out) {
+  *out << "platform " << c.platformId << ", " << c.major << "." << c.minor << ": \"" << c.name
+       << "\"";
+}
+
 class OSNameTest : public StartupTest, public ::testing::WithParamInterface<VersionCase> {};
 
 TEST_P(OSNameTest, NamesTheVersion) {
@@ -246,7 +252,11 @@ INSTANTIATE_TEST_SUITE_P(
                       VersionCase{2, 2, 0, "Newer than Windows Vista"},
                       VersionCase{0, 3, 10, "Unknown or Windows 3.x with Win32s installed"},
                       VersionCase{3, 6, 1, "Unknown or Windows 3.x with Win32s installed"},
-                      VersionCase{7, 5, 1, "Unknown or Windows 3.x with Win32s installed"}));
+                      VersionCase{7, 5, 1, "Unknown or Windows 3.x with Win32s installed"}),
+    [](const ::testing::TestParamInfo<VersionCase>& param) {
+      return "Platform" + std::to_string(param.param.platformId) + "_" +
+             std::to_string(param.param.major) + "_" + std::to_string(param.param.minor);
+    });
 
 TEST_F(StartupTest, AFailedVersionCallGivesNoName) {
   system_.SetVersion(2, 5, 1);
