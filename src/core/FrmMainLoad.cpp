@@ -12,6 +12,7 @@
 #include "icons/FillTree.h"
 #include "platform/EventLoop.h"
 #include "platform/MessageBoxes.h"
+#include "platform/Notification.h"
 #include "platform/ResourcePictures.h"
 #include "platform/Service.h"
 
@@ -46,6 +47,14 @@ void FrmMain::Form_Load() {
     core::RemoveFromTray();
     std::uint32_t popup = PicPopup.hWnd;
     core::AddToTray(popup, Icon, "Quorvane", 0x200);
+
+    // The notification near the tray: its five settings, in this order.
+    auto& notify = platform::Use<platform::Notification>();
+    notify.SetOption(0x68030064, 4);
+    notify.SetOption(0x68030062, 45);
+    notify.SetOption(0x68030055, 0);
+    notify.SetPicture(ImgPopupWindows.Picture());
+    notify.SetOption(0x6803005A, 6);
 
     OSName = core::GetOSName();
     core::gSystemFolder = core::GetSpecialFolder(0x29);

@@ -8,13 +8,23 @@ namespace quorvane::platform {
 
 namespace {
 
+// The system builds its paths with backslashes, as the platform separates folders; here they
+// become the host's separator.
+std::string Host(const std::string& path) {
+  std::string out = path;
+  for (char& c : out) {
+    if (c == '\\') c = '/';
+  }
+  return out;
+}
+
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
 bool Write(const std::string& path, const std::string& content, const char* mode) {
-  File f(std::fopen(path.c_str(), mode));
+  File f(std::fopen(Host(path).c_str(), mode));
   if (!f) return false;
   if (!content.empty() && std::fwrite(content.data(), 1, content.size(), f.get()) != content.size()) {
     return false;
@@ -26,16 +36,16 @@ bool Write(const std::string& path, const std::string& content, const char* mode
 
 bool PortableFileSystem::FileExists(const std::string& path) {
   std::error_code ec;
-  return std::filesystem::is_regular_file(path, ec);
+  return std::filesystem::is_regular_file(Host(path), ec);
 }
 
 bool PortableFileSystem::FolderExists(const std::string& path) {
   std::error_code ec;
-  return std::filesystem::is_directory(path, ec);
+  return std::filesystem::is_directory(Host(path), ec);
 }
 
 bool PortableFileSystem::ReadAll(const std::string& path, std::string& content) {
-  File f(std::fopen(path.c_str(), "rb"));
+  File f(std::fopen(Host(path).c_str(), "rb"));
   if (!f) return false;
   content.clear();
   char chunk[65536];
@@ -54,12 +64,12 @@ bool PortableFileSystem::Append(const std::string& path, const std::string& cont
 
 bool PortableFileSystem::CreateFolder(const std::string& path) {
   std::error_code ec;
-  return std::filesystem::create_directory(path, ec);
+  return std::filesystem::create_directory(Host(path), ec);
 }
 
 bool PortableFileSystem::RemoveFile(const std::string& path) {
   std::error_code ec;
-  return std::filesystem::remove(path, ec);
+  return std::filesystem::remove(Host(path), ec);
 }
 
 }  // namespace quorvane::platform

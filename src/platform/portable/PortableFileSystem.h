@@ -1,5 +1,6 @@
 #pragma once
-// Whole-file operations over the host's file system.
+// Whole-file operations over the host's file system. A backslash in a path separates folders,
+// as on the platform.
 #include "platform/FileSystem.h"
 
 namespace quorvane::platform {

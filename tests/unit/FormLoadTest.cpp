@@ -1,0 +1,202 @@
+// The load routine of the main window over the portable services: its steps in their order, the
+// two systems, and its two ways out.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "core/FrmMain.h"
+#include "core/MainModule.h"
+#include "platform/Service.h"
+#include "platform/portable/MemoryRegistry.h"
+#include "platform/portable/PortableDeviceContexts.h"
+#include "platform/portable/PortableEventLoop.h"
+#include "platform/portable/PortableFileSystem.h"
+#include "platform/portable/PortableIcons.h"
+#include "platform/portable/PortableMessageBoxes.h"
+#include "platform/portable/PortableNotification.h"
+#include "platform/portable/PortableResourcePictures.h"
+#include "platform/portable/PortableSystemInfo.h"
+#include "platform/portable/PortableTray.h"
+#include "ui/MemorySurface.h"
+
+namespace quorvane {
+namespace {
+
+constexpr char kMyComputer[] =
+    "HKEY_CLASSES_ROOT\\CLSID\\{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\DefaultIcon";
+constexpr char kMetrics[] = "HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics";
+constexpr char kShellIcons[] =
+    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Icons";
+
+class FormLoadTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    root_ = std::filesystem::temp_directory_path() /
+            ("quorvane-load-" +
+             std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+    std::filesystem::remove_all(root_);
+    std::filesystem::create_directories(root_ / "appdata");
+    system_.SetFolder(0x1A, (root_ / "appdata").string());
+    system_.SetExecutableFolder((root_ / "program").string());
+    for (ui::PictureBox* box : {&form_.sIcon, &form_.lIcon, &form_.mIcon}) {
+      box->UseSurface(std::make_shared<ui::MemorySurface>());
+    }
+    Put(kMyComputer, "", "Explorer.exe,0");
+  }
+  void TearDown() override { std::filesystem::remove_all(root_); }
+
+  void Put(const std::string& key, const std::string& name, const std::string& value) {
+    AdvRegistryAccess reg(store_);
+    ASSERT_NE(reg.WriteString(key, name, value), 0);
+  }
+  // A path the system built, with the host's separators.
+  static std::string Host(std::string path) {
+    for (char& c : path) {
+      if (c == '\\') c = '/';
+    }
+    return path;
+  }
+  std::string Log() {
+    std::ifstream in(Host(core::gDataFolder + core::kErrorLogName), std::ios::binary);
+    std::stringstream all;
+    all << in.rdbuf();
+    return all.str();
+  }
+
+  std::filesystem::path root_;
+  platform::MemoryRegistry store_;
+  platform::PortableFileSystem files_;
+  platform::PortableEventLoop events_;
+  platform::portable::PortableDeviceContexts gdi_;
+  platform::portable::PortableIcons icons_{gdi_};
+  platform::portable::PortableSystemInfo system_;
+  platform::portable::PortableTray tray_;
+  platform::portable::PortableMessageBoxes boxes_;
+  platform::PortableResourcePictures pictures_;
+  platform::portable::PortableNotification notification_;
+  platform::ScopedService<platform::RegistryStore> s1_{store_};
+  platform::ScopedService<platform::FileSystem> s2_{files_};
+  platform::ScopedService<platform::EventLoop> s3_{events_};
+  platform::ScopedService<platform::DeviceContexts> s4_{gdi_};
+  platform::ScopedService<platform::Icons> s5_{icons_};
+  platform::ScopedService<platform::SystemInfo> s6_{system_};
+  platform::ScopedService<platform::Tray> s7_{tray_};
+  platform::ScopedService<platform::MessageBoxes> s8_{boxes_};
+  platform::ScopedService<platform::ResourcePictures> s9_{pictures_};
+  platform::ScopedService<platform::Notification> s10_{notification_};
+  FrmMain form_;
+  MainWindowScope installed_{form_};
+};
+
+TEST_F(FormLoadTest, OnVistaEveryStepRunsInItsOrder) {
+  Put(kMetrics, "Shell Icon Size", "48");
+  Put(kMetrics, "IconSpacing", "-1125");
+  form_.Form_Load();
+
+  // The tray icon is removed before it is added.
+  ASSERT_GE(tray_.Calls().size(), 2u);
+  EXPECT_EQ(tray_.Calls()[0].message, platform::tray::kDelete);
+  EXPECT_EQ(tray_.Calls()[1].message, platform::tray::kAdd);
+  EXPECT_EQ(tray_.Icons().size(), 1u);
+  EXPECT_EQ(notification_.Options(),
+            (std::vector<std::pair<std::int32_t, std::int32_t>>{
+                {0x68030064, 4}, {0x68030062, 45}, {0x68030055, 0}, {0x6803005A, 6}}));
+
+  EXPECT_EQ(form_.OSName, "Windows Vista");
+  EXPECT_EQ(core::gDataFolder.substr(core::gDataFolder.size() - 27),
+            "Talvenor\\Mirefold\\Quorvane\\");
+  EXPECT_EQ(std::filesystem::file_size(Host(core::gDataFolder + "Empty.ico")), 768u);
+  EXPECT_EQ(AdvRegistryAccess(store_).KeyExists(core::ProductKey), kTrue);
+
+  EXPECT_EQ(form_.ILicons.Count(), 65);
+  EXPECT_EQ(form_.TvDesktop.Count(), 5);
+  EXPECT_EQ(form_.TvControlPanel.Count(), 8);
+
+  // The first zone and the first page.
+  EXPECT_EQ(form_.CategoryClickX, 30);
+  EXPECT_EQ(form_.CategoryClickY, 30);
+  EXPECT_TRUE(form_.TvDesktop.Visible());
+  EXPECT_FALSE(form_.TvStartMenu.Visible());
+  EXPECT_FALSE(form_.TvExplore.Visible());
+  EXPECT_EQ(form_.LblIconCat.Caption(), "Desktop");
+  EXPECT_TRUE(form_.PBPelmoraMain.Visible());
+  EXPECT_FALSE(form_.PBWallpaper.Visible());
+  EXPECT_EQ(form_.CmdMenu[0].Tag(), "Active");
+  EXPECT_EQ(form_.LblCommandName.Caption(), "Pelmora");
+  EXPECT_EQ(form_.LblCommandDesc.Caption(), "Changes icons with just a few clicks");
+  EXPECT_EQ(pictures_.Loads(131), 1);  // the Desktop zone's picture
+
+  // The appearance controls, blocked on this system.
+  EXPECT_TRUE(form_.LblAppearanceMsg.Visible());
+  EXPECT_FALSE(form_.TxtHorizontal.Enabled());
+  EXPECT_FALSE(form_.Slider.Enabled());
+  EXPECT_EQ(form_.mIconSize, 48);
+  EXPECT_EQ(form_.Slider.Value(), 3);
+  EXPECT_EQ(form_.TxtHorizontal.Value(), 43);
+  EXPECT_EQ(form_.TxtVertical.Value(), 43);  // the default -1125
+  EXPECT_EQ(form_.ChkShowShortCut.Value(), 1);
+
+  // The Appearance command is hidden and the last command takes its place.
+  EXPECT_FALSE(form_.CmdMenu[2].Visible());
+  EXPECT_EQ(form_.CmdMenu[3].Top(), form_.CmdMenu[2].Top());
+  EXPECT_GE(events_.Yields(), 2);
+  EXPECT_TRUE(boxes_.Boxes().empty());
+}
+
+TEST_F(FormLoadTest, OnXpNothingIsBlocked) {
+  system_.SetVersion(2, 5, 1);
+  Put(kShellIcons, "29", "C:\\data\\Empty.ico,0");
+  form_.Form_Load();
+  EXPECT_EQ(form_.OSName, "Windows XP");
+  EXPECT_EQ(form_.TvDesktop.Count(), 6);
+  EXPECT_FALSE(form_.LblAppearanceMsg.Visible());
+  EXPECT_TRUE(form_.TxtHorizontal.Enabled());
+  EXPECT_TRUE(form_.CmdMenu[2].Visible());
+  EXPECT_EQ(form_.Slider.Value(), 2);                       // the default "32"
+  EXPECT_EQ(form_.TxtHorizontal.Value(), (1710 - 495) / 15 + 1);
+  EXPECT_EQ(form_.ChkShowShortCut.Value(), 0);              // the program's blank overlay
+}
+
+TEST_F(FormLoadTest, ARowThatFailsEndsTheRoutineThroughItsErrorPath) {
+  Put(kMyComputer, "", "explorer.exe");
+  form_.Form_Load();
+  EXPECT_EQ(form_.TvDesktop.Count(), 0);
+  EXPECT_FALSE(form_.PBPelmoraMain.Visible());
+  EXPECT_EQ(form_.IconRecords[28].Name, "");
+  const std::string log = Log();
+  EXPECT_NE(log.find("FrmMain"), std::string::npos) << log;
+  EXPECT_NE(log.find("Form_Load"), std::string::npos) << log;
+  EXPECT_TRUE(boxes_.Boxes().empty());
+}
+
+TEST_F(FormLoadTest, WithoutADataFolderOnlyTheMessageShows) {
+  // A file stands where the program's first folder should be made.
+  std::ofstream((root_ / "appdata" / "Talvenor").string()) << "x";
+  form_.Form_Load();
+  ASSERT_EQ(boxes_.Boxes().size(), 1u);
+  EXPECT_EQ(boxes_.Boxes()[0].prompt,
+            "Unable to create default folder. Please run the program with Admin privilege");
+  EXPECT_EQ(form_.ILicons.Count(), 0);
+  EXPECT_EQ(form_.TvDesktop.Count(), 0);
+  EXPECT_FALSE(form_.PBPelmoraMain.Visible());
+}
+
+TEST_F(FormLoadTest, ALoadAfterEmptyingRebuildsTheSameWindowAndKeepsOneTrayIcon) {
+  form_.Form_Load();
+  for (ui::TreeView* t : {&form_.TvDesktop, &form_.TvStartMenu, &form_.TvExplore,
+                          &form_.TvFileType, &form_.TvControlPanel}) {
+    t->Clear();
+  }
+  form_.ILicons.Clear();
+  form_.IconRecords = {};
+  form_.Form_Load();
+  EXPECT_EQ(form_.ILicons.Count(), 65);
+  EXPECT_EQ(form_.TvDesktop.Count(), 5);
+  EXPECT_EQ(tray_.Icons().size(), 1u);
+}
+
+}  // namespace
+}  // namespace quorvane
