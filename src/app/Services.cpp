@@ -7,6 +7,7 @@
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Notification.h"
 #include "platform/win32/Win32Process.h"
@@ -38,6 +39,7 @@ void InstallWin32Services() {
   InstallForGood<platform::EventLoop, platform::Win32EventLoop>();
   InstallForGood<platform::DeviceContexts, platform::win32::Win32DeviceContexts>();
   InstallForGood<platform::Clipboard, platform::win32::Win32Clipboard>();
+  InstallForGood<platform::Icons, platform::win32::Win32Icons>();
   InstallForGood<platform::MessageBoxes, platform::win32::Win32MessageBoxes>();
   InstallForGood<platform::Clock, platform::win32::Win32Clock>();
   InstallForGood<platform::SystemInfo, platform::win32::Win32SystemInfo>();

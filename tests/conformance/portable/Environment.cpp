@@ -16,6 +16,7 @@
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
+#include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
 #include "platform/portable/PortableSystemInfo.h"
@@ -39,6 +40,7 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::ProfileFiles>(&profiles_);
     platform::Install<platform::DeviceContexts>(&gdi_);
     platform::Install<platform::Clipboard>(&clipboard_);
+    platform::Install<platform::Icons>(&icons_);
     platform::Install<platform::Clock>(&clock_);
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
@@ -56,6 +58,7 @@ class PortableEnvironment : public ::testing::Environment {
   platform::PortableProfileFiles profiles_;
   platform::portable::PortableDeviceContexts gdi_;
   platform::portable::PortableClipboard clipboard_{gdi_};
+  platform::portable::PortableIcons icons_{gdi_};
   platform::portable::PortableClock clock_;
   platform::PortableResourcePictures pictures_;
   platform::portable::PortableSystemInfo system_;

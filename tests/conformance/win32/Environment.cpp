@@ -15,6 +15,7 @@
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
@@ -40,6 +41,7 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::ProfileFiles>(&profiles_);
     platform::Install<platform::DeviceContexts>(&gdi_);
     platform::Install<platform::Clipboard>(&clipboard_);
+    platform::Install<platform::Icons>(&icons_);
     platform::Install<platform::Clock>(&clock_);
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
@@ -57,6 +59,7 @@ class Win32Environment : public ::testing::Environment {
   platform::Win32ProfileFiles profiles_;
   platform::win32::Win32DeviceContexts gdi_;
   platform::win32::Win32Clipboard clipboard_;
+  platform::win32::Win32Icons icons_;
   platform::win32::Win32Clock clock_;
   platform::Win32ResourcePictures pictures_;
   platform::win32::Win32SystemInfo system_;
