@@ -124,3 +124,19 @@ TEST(LeadingNumberTest, GivesTheNumberUnrounded) {
 
 }  // namespace
 }  // namespace quorvane
+
+namespace quorvane {
+namespace {
+
+// Values read from the registry keep their terminator; a number text ends at its first NUL.
+TEST(NumberTextTest, EndsAtItsFirstNul) {
+  const std::string three("3\0", 2);
+  EXPECT_EQ(StrictLong(three), 3);
+  EXPECT_EQ(LenientLong(three), 3);
+  EXPECT_EQ(StrictLong(std::string("12\0x", 4)), 12);
+  EXPECT_EQ(LenientLong(std::string("\0" "7", 2)), 0);
+  EXPECT_THROW(StrictLong(std::string("\0" "7", 2)), Failure);
+}
+
+}  // namespace
+}  // namespace quorvane
