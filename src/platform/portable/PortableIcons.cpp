@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <utility>
 
@@ -168,6 +169,9 @@ std::vector<Candidate> Candidates(std::span<const std::uint8_t> bytes) {
 
 std::optional<std::vector<std::uint8_t>> ReadFileBytes(const char* path) {
   if (path == nullptr || *path == '\0') return std::nullopt;
+  // A folder opens as a stream here, with a size of its own: it is no file to read.
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(path, ec)) return std::nullopt;
   std::ifstream file(path, std::ios::binary | std::ios::ate);
   if (!file) return std::nullopt;
   const std::streamoff end = file.tellg();
