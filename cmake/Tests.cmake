@@ -36,6 +36,10 @@ if(WIN32)
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/win32/*.cpp)
   quorvane_gtest_executable(conformance_win32
     ${QUORVANE_CONFORMANCE_SOURCES} ${QUORVANE_CONFORMANCE_ADAPTER})
+  # The catalogue once more, on the "Windows XP" branch.
+  add_test(NAME conformance_win32_xp
+    COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/run-as-xp.sh $<TARGET_FILE:conformance_win32>
+            --gtest_color=no --gtest_filter=CatalogueConformance.*)
 else()
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/portable/*.cpp)
   quorvane_gtest_executable(conformance_portable

@@ -28,6 +28,17 @@ wine_prepare() {
   fi
   wineserver -p >/dev/null 2>&1 </dev/null &
   wine cmd /c exit >/dev/null 2>&1 </dev/null || true
+  wine_shell_keys
+}
+
+# A new prefix lacks a few class keys that every Windows system has and that the program reads
+# at its start; "My Computer"'s icon above all. They are added once, as Windows has them.
+wine_shell_keys() {
+  local marker="$WINEPREFIX/.quorvane-shell-keys"
+  [ -f "$marker" ] && return 0
+  wine reg add 'HKCR\CLSID\{20D04FE0-3AEA-1069-A2D8-08002B30309D}\DefaultIcon' /ve /t REG_EXPAND_SZ \
+    /d '%SystemRoot%\explorer.exe,0' /f >/dev/null 2>&1 </dev/null || return 0
+  touch "$marker"
 }
 
 wine_finish() {
