@@ -1,118 +1,102 @@
 #include "app/MainWindow.h"
 
-#include <stdexcept>
+#include <cstdint>
 #include <string>
 
 #include "app/Resources.h"
+#include "core/FrmMain.h"
+#include "platform/Application.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Service.h"
+#include "platform/win32/Win32Application.h"
 
 namespace quorvane::app {
 
 namespace {
 
-std::runtime_error SystemFailure(const std::string& what) {
-  return std::runtime_error(what + " (system error " + std::to_string(::GetLastError()) + ")");
+HICON LoadProgramIcon(HINSTANCE instance, int widthMetric, int heightMetric) {
+  return static_cast<HICON>(::LoadImageA(instance, MAKEINTRESOURCEA(QUORVANE_PROGRAM_ICON),
+                                         IMAGE_ICON, ::GetSystemMetrics(widthMetric),
+                                         ::GetSystemMetrics(heightMetric), LR_SHARED));
+}
+
+// The form's routines for its own surface, connected when the form has them.
+template <class Form>
+void ConnectFormSurface(Form& form, ui::win32::FormWindow& window) {
+  using Button = std::int16_t;
+  if constexpr (requires(Form& f, Button b, float x) { f.Form_MouseDown(b, b, x, x); }) {
+    window.MouseDown = [&form](Button button, Button shift, float x, float y) {
+      form.Form_MouseDown(button, shift, x, y);
+    };
+  }
+  if constexpr (requires(Form& f, Button b, float x) { f.Form_MouseMove(b, b, x, x); }) {
+    window.MouseMove = [&form](Button button, Button shift, float x, float y) {
+      form.Form_MouseMove(button, shift, x, y);
+    };
+  }
+}
+
+// The application adapter acts on the main window once it knows its handle.
+void ConnectApplication(std::uint32_t hWnd) {
+  if (auto* application = dynamic_cast<platform::win32::Win32Application*>(
+          &platform::Use<platform::Application>())) {
+    application->SetMainWindow(hWnd);
+  }
 }
 
 }  // namespace
 
-MainWindow::MainWindow(HINSTANCE instance) : instance_(instance) {}
-
-MainWindow::~MainWindow() {
-  if (window_ != nullptr) {
-    HWND window = window_;
-    window_ = nullptr;
-    ::SetWindowLongPtrA(window, GWLP_USERDATA, 0);
-    ::DestroyWindow(window);
-  }
+MainWindow::MainWindow(HINSTANCE instance, FrmMain& form)
+    : form_(form),
+      icon_(LoadProgramIcon(instance, SM_CXICON, SM_CYICON)),
+      smallIcon_(LoadProgramIcon(instance, SM_CXSMICON, SM_CYSMICON)),
+      window_(form, instance, icon_, smallIcon_) {
+  window_.QueryUnload = [this](std::int16_t unloadMode) {
+    std::int16_t cancel = 0;
+    form_.Form_QueryUnload(cancel, unloadMode);
+    return cancel != 0;
+  };
+  window_.Unloaded = [] { ::PostQuitMessage(0); };
+  window_.Failed = [](const std::exception& failure) {
+    platform::Use<platform::MessageBoxes>().MsgBox(
+        failure.what(), platform::msgbox::kOkOnly | platform::msgbox::kExclamation);
+  };
+  window_.OnRegisteredMessage(kExitMessage, [this] { form_.mnuExit_Click(); });
+  ConnectFormSurface(form_, window_);
 }
 
-void MainWindow::RegisterClassOnce() {
-  WNDCLASSEXA existing{};
-  existing.cbSize = sizeof existing;
-  if (::GetClassInfoExA(instance_, kMainWindowClass, &existing) != 0) {
-    return;
-  }
-  WNDCLASSEXA windowClass{};
-  windowClass.cbSize = sizeof windowClass;
-  windowClass.style = CS_HREDRAW | CS_VREDRAW;
-  windowClass.lpfnWndProc = &MainWindow::WindowProcedure;
-  windowClass.hInstance = instance_;
-  windowClass.hIcon = ::LoadIconA(instance_, MAKEINTRESOURCEA(QUORVANE_PROGRAM_ICON));
-  windowClass.hIconSm = static_cast<HICON>(
-      ::LoadImageA(instance_, MAKEINTRESOURCEA(QUORVANE_PROGRAM_ICON), IMAGE_ICON,
-                   ::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON), LR_SHARED));
-  windowClass.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
-  windowClass.hbrBackground = ::GetSysColorBrush(COLOR_BTNFACE);
-  windowClass.lpszClassName = kMainWindowClass;
-  if (::RegisterClassExA(&windowClass) == 0) {
-    throw SystemFailure("The main window's class could not be registered");
-  }
-}
+MainWindow::~MainWindow() = default;
 
 void MainWindow::Load() {
-  if (window_ != nullptr) {
-    return;
-  }
-  RegisterClassOnce();
-  const int left = (::GetSystemMetrics(SM_CXSCREEN) - kMainWindowWidth) / 2;
-  const int top = (::GetSystemMetrics(SM_CYSCREEN) - kMainWindowHeight) / 2;
-  HWND window = ::CreateWindowExA(WS_EX_APPWINDOW, kMainWindowClass, kMainWindowText,
-                                  WS_POPUP | WS_CLIPCHILDREN, left, top, kMainWindowWidth,
-                                  kMainWindowHeight, nullptr, nullptr, instance_, this);
-  if (window == nullptr) {
-    throw SystemFailure("The main window could not be created");
-  }
-  window_ = window;
+  if (loaded_) return;
+  loaded_ = true;
+  window_.Create();
+  ConnectApplication(form_.hWnd);
+  LARGE_INTEGER frequency{};
+  LARGE_INTEGER started{};
+  LARGE_INTEGER ended{};
+  ::QueryPerformanceFrequency(&frequency);
+  ::QueryPerformanceCounter(&started);
+  form_.Form_Load();
+  ::QueryPerformanceCounter(&ended);
+  loadMilliseconds_ = static_cast<double>(ended.QuadPart - started.QuadPart) * 1000.0 /
+                      static_cast<double>(frequency.QuadPart > 0 ? frequency.QuadPart : 1);
 }
 
 void MainWindow::Show() {
   Load();
-  ::ShowWindow(window_, SW_SHOW);
-  ::UpdateWindow(window_);
+  window_.Show();
 }
 
-LRESULT CALLBACK MainWindow::WindowProcedure(HWND window, UINT message, WPARAM wParam,
-                                             LPARAM lParam) {
-  if (message == WM_NCCREATE) {
-    const auto* creation = reinterpret_cast<const CREATESTRUCTA*>(lParam);
-    ::SetWindowLongPtrA(window, GWLP_USERDATA,
-                        reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
-  }
-  auto* self = reinterpret_cast<MainWindow*>(::GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (self == nullptr) {
-    return ::DefWindowProcA(window, message, wParam, lParam);
-  }
-  return self->Handle(window, message, wParam, lParam);
-}
-
-LRESULT MainWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  switch (message) {
-    case WM_CLOSE:
-      // A close request unloads the window, and that ends the process.
-      ::DestroyWindow(window);
-      return 0;
-    case WM_DESTROY:
-      window_ = nullptr;
-      ::SetWindowLongPtrA(window, GWLP_USERDATA, 0);
-      ::PostQuitMessage(0);
-      return 0;
-    default:
-      return ::DefWindowProcA(window, message, wParam, lParam);
-  }
-}
-
-int RunMessageLoop() {
+int RunMessageLoop(MainWindow& mainWindow) {
   MSG message{};
   for (;;) {
     const BOOL result = ::GetMessageA(&message, nullptr, 0, 0);
-    if (result == 0) {
-      return static_cast<int>(message.wParam);
-    }
-    if (result == -1) {
-      return 1;
-    }
+    if (result == 0) return static_cast<int>(message.wParam);
+    if (result == -1) return 1;
     ::TranslateMessage(&message);
     ::DispatchMessageA(&message);
+    mainWindow.Window().ApplyFormVisible();
   }
 }
 

@@ -1,44 +1,61 @@
 #pragma once
-// The main window of quorvane.exe: one top-level, borderless window, centred on the screen, found
-// from outside by its class "QuorvaneMain" and its text "Quorvane". It lives as long as the
-// process; destroying it ends the message loop.
+// FrmMain as the entry uses it: its real windows, made by the binding, and its load routine.
+//
+// The window closes in these ways:
+//   - WM_CLOSE (the system menu, Alt+F4, or another program): asks Form_QueryUnload with unload
+//     mode 0, which refuses it; nothing happens.
+//   - WM_ENDSESSION at a log-off or shutdown: unload mode 2, not refused; the window is hidden
+//     and destroyed, and the process ends.
+//   - The registered message "Quorvane.Exit", from this process or another one: runs
+//     mnuExit_Click, the tray menu's "Exit", which removes the tray icon and ends the process.
+//     Programs that drive Quorvane from outside (the end-to-end test, `make run`) end it so.
+//   - The form's own routines (PicClose, the tray menu) through the Application port.
 #include <windows.h>
 
+#include <cstdint>
+
 #include "core/MainModule.h"
+#include "ui/win32/FormWindow.h"
+
+namespace quorvane {
+class FrmMain;
+}
 
 namespace quorvane::app {
 
-inline constexpr const char* kMainWindowClass = "QuorvaneMain";
 inline constexpr const char* kMainWindowText = "Quorvane";
-inline constexpr int kMainWindowWidth = 676;
-inline constexpr int kMainWindowHeight = 480;
+// The registered message that ends the program as the tray menu's "Exit" does.
+inline constexpr const char* kExitMessage = "Quorvane.Exit";
 
 class MainWindow final : public core::MainForm {
  public:
-  explicit MainWindow(HINSTANCE instance);
+  MainWindow(HINSTANCE instance, FrmMain& form);
   ~MainWindow() override;
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
-  // Creates the window, hidden. Fails with std::runtime_error when the system refuses it.
+  // Creates the windows, hidden, and runs the form's load routine; once only.
   void Load() override;
-  // Creates the window when needed, then shows it.
+  // Load, then shows the window, painted.
   void Show() override;
 
   // Whether the window exists: from Load until it is destroyed.
-  bool IsLoaded() const { return window_ != nullptr; }
+  bool IsLoaded() const { return window_.IsCreated(); }
+  // How long the load routine took, in milliseconds.
+  double LoadMilliseconds() const { return loadMilliseconds_; }
+  ui::win32::FormWindow& Window() { return window_; }
 
  private:
-  static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam,
-                                          LPARAM lParam);
-  LRESULT Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  void RegisterClassOnce();
-
-  HINSTANCE instance_;
-  HWND window_ = nullptr;
+  FrmMain& form_;
+  HICON icon_;
+  HICON smallIcon_;
+  ui::win32::FormWindow window_;
+  bool loaded_ = false;
+  double loadMilliseconds_ = 0.0;
 };
 
-// Dispatches the thread's messages until the quit message comes; returns its exit code.
-int RunMessageLoop();
+// Dispatches the thread's messages until the quit message comes, keeping the window's visibility
+// as the form has it after each one; returns the quit message's exit code.
+int RunMessageLoop(MainWindow& mainWindow);
 
 }  // namespace quorvane::app

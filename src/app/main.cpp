@@ -1,28 +1,36 @@
-// quorvane.exe: installs the Windows adapters, runs the entry, then keeps the process alive on
-// the window's message loop for as long as the main window is loaded.
+// quorvane.exe: installs the Windows adapters, makes FrmMain and its windows, runs the entry, then
+// keeps the process alive on the window's message loop for as long as the main window is loaded.
 #include <windows.h>
+#include <ole2.h>
 
 #include <exception>
 
 #include "app/MainWindow.h"
 #include "app/Services.h"
+#include "core/FrmMain.h"
 #include "core/MainModule.h"
+#include "platform/MessageBoxes.h"
 #include "platform/Service.h"
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLine*/,
                    int /*showCommand*/) {
   using namespace quorvane;
   app::InstallWin32Services();
-  app::MainWindow frmMain(instance);
-  platform::ScopedService<core::MainForm> installedForm(frmMain);
+  // COM for the platform's pictures and for the accessible names of the controls.
+  const HRESULT ole = ::OleInitialize(nullptr);
+  FrmMain frmMain;
+  MainWindowScope installedWindow(frmMain);
+  app::MainWindow mainWindow(instance, frmMain);
+  platform::ScopedService<core::MainForm> installedForm(mainWindow);
   try {
     core::ShowMain();
   } catch (const std::exception& failure) {
-    ::MessageBoxA(nullptr, failure.what(), app::kMainWindowText, MB_OK | MB_ICONERROR);
-    return 1;
+    // A failure out of the entry is shown; a window that came up stays up.
+    platform::Use<platform::MessageBoxes>().MsgBox(
+        failure.what(), platform::msgbox::kOkOnly | platform::msgbox::kCritical);
   }
-  if (!frmMain.IsLoaded()) {
-    return 0;
-  }
-  return app::RunMessageLoop();
+  int exitCode = 0;
+  if (mainWindow.IsLoaded()) exitCode = app::RunMessageLoop(mainWindow);
+  if (SUCCEEDED(ole)) ::OleUninitialize();
+  return exitCode;
 }
