@@ -1,6 +1,9 @@
 #!/usr/bin/env bash
-# End-to-end tests of quorvane.exe under Wine: the two run modes, driven from a second program in
-# the same virtual desktop on a virtual screen. Screenshots go to build/screenshots/. Ends with
+# End-to-end tests of quorvane.exe under Wine, driven from a second program in the same virtual
+# desktop on a virtual screen: the two run modes, the main window's controls found by their
+# system names (the desktop tree filled, the preview drawn), the refused close request, the end
+# through "Quorvane.Exit", and what a run leaves on the machine (the program's registry key, its
+# data folder with Empty.ico). One screenshot per run goes to build/screenshots/. Ends with
 # "N passed, M failed"; the exit status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
@@ -47,19 +50,22 @@ wine_prepare
 display_start || fail_setup "Xvfb could not start"
 
 result="$work/run-modes.txt"
-rm -f "$result" "$shots/e2e-interactive.bmp" "$shots/e2e-background.bmp" \
-  "$shots/e2e-interactive.png" "$shots/e2e-background.png"
+shot_names="e2e-interactive e2e-interactive-blanks e2e-background e2e-resident-x e2e-load-fails"
+rm -f "$result"
+for name in $shot_names; do
+  rm -f "$shots/$name.bmp" "$shots/$name.png"
+done
 result_w="$(winepath -w "$result" 2>/dev/null)"
 shots_w="$(winepath -w "$shots" 2>/dev/null)"
 [ -n "$result_w" ] && [ -n "$shots_w" ] || fail_setup "winepath failed"
 
-echo "== end to end: run modes (desktop $desktop on $DISPLAY)"
+echo "== end to end: run modes, controls, side effects (desktop $desktop on $DISPLAY)"
 wine explorer "/desktop=$desktop,1280x800" "$bin/e2e_driver.exe" run-modes "$result_w" "$shots_w" \
   >"$work/wine.log" 2>&1 </dev/null &
 wine_pid=$!
 
 # The driver bounds each of its waits; this only guards against a driver that never starts.
-for _ in $(seq 1 900); do
+for _ in $(seq 1 1800); do
   if [ -f "$result" ] && tr -d '\r' <"$result" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'; then
     break
   fi
@@ -71,7 +77,7 @@ done
 desktop_stop "$desktop" 10
 wait "$wine_pid" 2>/dev/null
 
-for name in e2e-interactive e2e-background; do
+for name in $shot_names; do
   if [ -f "$shots/$name.bmp" ]; then
     "$magick" "$shots/$name.bmp" "$shots/$name.png" && rm -f "$shots/$name.bmp"
     echo "screenshot: $shots/$name.png"

@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Runs quorvane.exe (built by `make windows`) under Wine.
 #
-# On a reachable X display the program simply runs there, until its window is closed (Alt+F4)
-# or Ctrl+C here. Without one, it runs in a Wine virtual desktop on a virtual screen (Xvfb): once
-# the main window shows, the whole screen is saved to build/screenshots/run.png, then the program
-# is closed and everything started here is stopped, so the script returns by itself.
+# On a reachable X display the program simply runs there, until it is ended from its own close
+# picture (top right), from "Exit" in its tray menu, or by Ctrl+C here; Alt+F4 is refused, as the
+# program refuses every close request of the system menu. Without a display, it runs in a Wine
+# virtual desktop on a virtual screen (Xvfb): once the main window shows, the whole screen is
+# saved to build/screenshots/run.png, then the program is ended through its registered message
+# "Quorvane.Exit" (the tray menu's "Exit") and everything started here is stopped, so the script
+# returns by itself.
 #
 # Arguments are passed on to quorvane.exe: `bash scripts/run.sh /background` starts it resident.
 set -uo pipefail
@@ -32,7 +35,7 @@ fi
 
 if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
   wine_prepare
-  echo "run: quorvane.exe on $DISPLAY (Alt+F4 on its window, or Ctrl+C here, ends it)"
+  echo "run: quorvane.exe on $DISPLAY (its close picture, the tray menu's Exit, or Ctrl+C here ends it)"
   wine "$exe" "$@"
   status=$?
   if [ "$own_server" = 1 ]; then
@@ -91,9 +94,9 @@ else
 fi
 
 if [ -f "$helper" ]; then
-  echo "run: closing quorvane.exe: $(helper_says close-window 10)"
+  echo "run: ending quorvane.exe: $(helper_says exit 10)"
 fi
-# Without the helper, or when the window did not close, the program is ended by its id.
+# Without the helper, or when the program did not end, it is ended by its id.
 for pid in $(prefix_processes "$exe"); do
   kill "$pid" 2>/dev/null || true
 done

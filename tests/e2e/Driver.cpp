@@ -1,19 +1,23 @@
 // The end-to-end driver. It runs inside the same virtual desktop as the program it drives, starts
 // quorvane.exe from its own folder, and looks at it from outside, the way another program or a
-// person would: through its top-level window and its process.
+// person would: through its top-level window, its controls found by their system names, its
+// process, the screen, and what the program leaves on the machine.
 //
 //   e2e_driver run-modes <result file> <screenshot folder>
-//       Starts quorvane.exe once per run-mode case, checks it, closes it through WM_CLOSE, and
-//       writes one line per case to the result file, then "N passed, M failed".
+//       Starts quorvane.exe once per run-mode case, checks it, ends it through the registered
+//       message "Quorvane.Exit", then checks what a run leaves behind, and writes one line per
+//       case to the result file, then "N passed, M failed".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
-//   e2e_driver close-window <result file> <seconds>
-//       Sends WM_CLOSE to the main window and waits for its process to end; writes "closed",
-//       "not found" or "still running".
+//   e2e_driver exit <result file> <seconds>
+//       Ends the running program through "Quorvane.Exit" and waits for its process to end;
+//       writes "ended", "not found" or "still running".
 //
 // The result goes to a file because a program started into a virtual desktop has neither the
 // caller's standard output nor an exit code the caller can read.
 #include <windows.h>
+#include <shlobj.h>
+#include <commctrl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,6 +25,7 @@
 #include <string>
 #include <vector>
 
+#include "Controls.h"
 #include "Desktop.h"
 
 namespace {
@@ -29,19 +34,31 @@ using namespace quorvane::e2e;
 
 const std::string kClass = "QuorvaneMain";
 const std::string kText = "Quorvane";
-constexpr int kWidth = 676;
-constexpr int kHeight = 480;
-constexpr DWORD kAppearTimeout = 20000;
+// FrmMain is 11250 by 8550 twips, 15 to the pixel.
+constexpr int kWidth = 750;
+constexpr int kHeight = 570;
+constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kResidentWait = 3000;
+constexpr DWORD kRefusedCloseWait = 1500;
 constexpr DWORD kEndTimeout = 10000;
+
+const char kProductKey[] = "Software\\Talvenor\\Mirefold\\Quorvane";
+// The icon of "My Computer", which every Windows has and a new Wine prefix lacks. Without it the
+// load routine leaves through its error path at that row, and no tree is filled.
+const char kMyComputerIcon[] = "CLSID\\{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\DefaultIcon";
+const char kMyComputerStock[] = "Explorer.exe,0";
+// A class for ".doc", as an office suite registers it, so that a run keeps its icon.
+const char kDocClass[] = "Word.Document.8";
+const char kDocClassIcon[] = "Word.Document.8\\DefaultIcon";
+const char kDocIcon[] = "shell32.dll,1";
+const char kDataFolder[] = "\\Talvenor\\Mirefold\\Quorvane\\";
+constexpr ULONGLONG kEmptyIconBytes = 768;
 
 class ResultFile {
  public:
   explicit ResultFile(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {}
   ~ResultFile() {
-    if (file_ != nullptr) {
-      std::fclose(file_);
-    }
+    if (file_ != nullptr) std::fclose(file_);
   }
   ResultFile(const ResultFile&) = delete;
   ResultFile& operator=(const ResultFile&) = delete;
@@ -61,30 +78,18 @@ class ResultFile {
 bool WaitUntil(DWORD milliseconds, const std::function<bool()>& condition) {
   const ULONGLONG deadline = ::GetTickCount64() + milliseconds;
   for (;;) {
-    if (condition()) {
-      return true;
-    }
-    if (::GetTickCount64() >= deadline) {
-      return false;
-    }
+    if (condition()) return true;
+    if (::GetTickCount64() >= deadline) return false;
     ::Sleep(100);
   }
 }
 
-struct RunModeCase {
-  std::string name;
-  std::string tail;        // what follows the program's name on its command line
-  bool shown;              // interactive mode: the window is shown
-  std::string screenshot;  // file name without extension, or empty for none
-};
-
 // One case: every failed check is kept with its reason.
 class Verdict {
  public:
-  void Check(bool condition, const std::string& failure) {
-    if (!condition) {
-      failures_.push_back(failure);
-    }
+  bool Check(bool condition, const std::string& failure) {
+    if (!condition) failures_.push_back(failure);
+    return condition;
   }
   void Note(const std::string& note) { notes_.push_back(note); }
   bool Passed() const { return failures_.empty(); }
@@ -106,11 +111,250 @@ std::string Describe(const RECT& r) {
          std::to_string(r.right - r.left) + "x" + std::to_string(r.bottom - r.top);
 }
 
+// The catalogue tree of the desktop has five nodes on a 6.x system of the NT line, where the
+// program takes itself for "Windows Vista", and six on any other.
+int DesktopNodesExpected() {
+  OSVERSIONINFOA version{};
+  version.dwOSVersionInfoSize = sizeof version;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+  const BOOL known = ::GetVersionExA(&version);
+#pragma GCC diagnostic pop
+  const bool vista = known != 0 && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
+                     version.dwMajorVersion == 6;
+  return vista ? 5 : 6;
+}
+
+std::string DataFolder() {
+  char appData[MAX_PATH] = {};
+  if (FAILED(::SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData))) return "";
+  return std::string(appData) + kDataFolder;
+}
+
+// A default value of a key under HKEY_CLASSES_ROOT set for the runs, and put back as it was
+// afterwards: the prefix is left as the runs found it.
+class ClassValue {
+ public:
+  explicit ClassValue(std::string key) : key_(std::move(key)) {
+    HKEY handle = nullptr;
+    if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
+      keyExisted_ = true;
+      char data[1024] = {};
+      DWORD size = sizeof data - 1;
+      DWORD type = 0;
+      if (::RegQueryValueExA(handle, nullptr, nullptr, &type,
+                             reinterpret_cast<BYTE*>(data), &size) == ERROR_SUCCESS &&
+          type == REG_SZ) {
+        valueExisted_ = true;
+        original_.assign(data, size > 0 && data[size - 1] == '\0' ? size - 1 : size);
+      }
+      ::RegCloseKey(handle);
+    }
+  }
+  ~ClassValue() {
+    if (!keyExisted_) {
+      ::RegDeleteKeyA(HKEY_CLASSES_ROOT, key_.c_str());
+    } else if (valueExisted_) {
+      Set(original_);
+    } else {
+      Remove();
+    }
+  }
+  ClassValue(const ClassValue&) = delete;
+  ClassValue& operator=(const ClassValue&) = delete;
+
+  bool Set(const std::string& value) const {
+    HKEY handle = nullptr;
+    if (::RegCreateKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                          &handle, nullptr) != ERROR_SUCCESS) {
+      return false;
+    }
+    const LONG set = ::RegSetValueExA(handle, nullptr, 0, REG_SZ,
+                                      reinterpret_cast<const BYTE*>(value.c_str()),
+                                      static_cast<DWORD>(value.size() + 1));
+    ::RegCloseKey(handle);
+    return set == ERROR_SUCCESS;
+  }
+  void Remove() const {
+    HKEY handle = nullptr;
+    if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, KEY_WRITE, &handle) == ERROR_SUCCESS) {
+      ::RegDeleteValueA(handle, nullptr);
+      ::RegCloseKey(handle);
+    }
+  }
+
+ private:
+  std::string key_;
+  bool keyExisted_ = false;
+  bool valueExisted_ = false;
+  std::string original_;
+};
+
+std::string ReadFileText(const std::string& path) {
+  std::string text;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    char buffer[4096];
+    std::size_t read = 0;
+    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
+    std::fclose(file);
+  }
+  return text;
+}
+
+// TvDesktop: found by its name, a visible tree view whose window text is its name, filled.
+void CheckDesktopTree(Verdict& verdict, HWND window, bool shown) {
+  HWND tree = FindControl(window, "TvDesktop");
+  if (!verdict.Check(tree != nullptr, "\"Quorvane.FindControl\" does not give TvDesktop")) return;
+  verdict.Check(ClassNameOf(tree) == "SysTreeView32",
+                "TvDesktop is a \"" + ClassNameOf(tree) + "\", not a tree view");
+  verdict.Check(TextOf(tree) == "TvDesktop",
+                "TvDesktop's window text is \"" + TextOf(tree) + "\", not its name");
+  if (shown) verdict.Check(::IsWindowVisible(tree) != 0, "TvDesktop is not visible");
+  std::vector<RemoteItem> items;
+  int count = 0;
+  std::string error;
+  if (!verdict.Check(ReadTreeView(tree, items, count, error), "TvDesktop unreadable: " + error)) {
+    return;
+  }
+  const int expected = DesktopNodesExpected();
+  verdict.Check(count == expected, "TvDesktop has " + std::to_string(count) + " nodes, not " +
+                                       std::to_string(expected) + " (the catalogue trees)");
+  verdict.Check(static_cast<int>(items.size()) == count,
+                "TVM_GETCOUNT says " + std::to_string(count) + " but " +
+                    std::to_string(items.size()) + " items were walked");
+  if (!items.empty()) {
+    verdict.Check(items.front().text == "My Computer",
+                  "TvDesktop's first node is \"" + items.front().text + "\", not \"My Computer\"");
+    verdict.Check(items.front().selected, "TvDesktop's first node is not selected");
+    verdict.Check(items.front().image == 1,
+                  "\"My Computer\" shows image index " + std::to_string(items.front().image) +
+                      ", not 1 (image number 2)");
+  }
+  verdict.Note("TvDesktop " + std::to_string(count) + " nodes, first \"" +
+               (items.empty() ? std::string() : items.front().text) + "\"");
+}
+
+// Names that are no control find nothing; an element of a control array is found by "Name(i)".
+void CheckLookups(Verdict& verdict, HWND window) {
+  verdict.Check(FindControl(window, "NoSuchControl") == nullptr,
+                "an unknown name finds a window");
+  verdict.Check(FindControl(window, "CmdMenu(9)") == nullptr,
+                "CmdMenu(9), beyond the array, finds a window");
+  HWND element = FindControl(window, "CmdMenu(0)");
+  verdict.Check(element != nullptr && TextOf(element) == "CmdMenu(0)",
+                "CmdMenu(0) is not found by its name, or its window text is not its name");
+  HWND other = FindControl(window, "TvStartMenu");
+  verdict.Check(other != nullptr && ::IsWindowVisible(other) == 0,
+                "TvStartMenu is missing, or shown although the \"Desktop\" zone is on");
+}
+
+// What sIcon, the small preview, shows; empty when it is not found or not visible.
+std::vector<std::uint32_t> PreviewPixels(Verdict& verdict, HWND window) {
+  std::vector<std::uint32_t> pixels;
+  HWND box = FindControl(window, "sIcon");
+  if (!verdict.Check(box != nullptr && ::IsWindowVisible(box) != 0,
+                     "sIcon is not found, or not visible")) {
+    return pixels;
+  }
+  RECT area{};
+  ::GetWindowRect(box, &area);
+  std::string error;
+  verdict.Check(CaptureScreen(area, pixels, error), "sIcon not captured: " + error);
+  return pixels;
+}
+
+// The pixels of a preview other than its background. The icon is drawn at (1, 1): the corner
+// keeps the box's back colour.
+int IconPixels(const std::vector<std::uint32_t>& pixels) {
+  const std::uint32_t background = pixels.empty() ? 0 : pixels.front();
+  int drawn = 0;
+  for (std::uint32_t p : pixels) drawn += p != background ? 1 : 0;
+  return drawn;
+}
+
+// sIcon shows the selected row's icon.
+void CheckPreview(Verdict& verdict, HWND window) {
+  const std::vector<std::uint32_t> pixels = PreviewPixels(verdict, window);
+  if (pixels.empty()) return;
+  const int drawn = IconPixels(pixels);
+  verdict.Check(drawn >= 10, "sIcon shows " + std::to_string(drawn) +
+                                 " pixels other than its background: no icon");
+  verdict.Note("sIcon " + std::to_string(drawn) + " icon pixels");
+}
+
+// A click on the node "Recycle Bin (Empty)" of TvDesktop, as the user makes it, selects it, and
+// the tree's click routine shows that row's icon, another than "My Computer"'s, in the preview.
+void CheckNodeClick(Verdict& verdict, HWND window) {
+  const std::string target = "Recycle Bin (Empty)";
+  HWND tree = FindControl(window, "TvDesktop");
+  if (tree == nullptr) return;  // told by CheckDesktopTree
+  std::vector<RemoteItem> items;
+  int count = 0;
+  std::string error;
+  if (!ReadTreeView(tree, items, count, error)) return;  // told by CheckDesktopTree
+  int position = 0;
+  for (std::size_t i = 0; i < items.size() && position == 0; ++i) {
+    if (items[i].text == target) position = static_cast<int>(i) + 1;
+  }
+  if (!verdict.Check(position != 0, "TvDesktop has no node \"" + target + "\"")) return;
+  const std::vector<std::uint32_t> before = PreviewPixels(verdict, window);
+  RECT item{};
+  if (!verdict.Check(TreeItemRect(tree, position, item, error), "TvDesktop: " + error)) return;
+  ClickAt(POINT{(item.left + item.right) / 2, (item.top + item.bottom) / 2});
+  const bool selected = WaitUntil(3000, [&] {
+    return ReadTreeView(tree, items, count, error) &&
+           items.size() >= static_cast<std::size_t>(position) &&
+           items[static_cast<std::size_t>(position) - 1].selected;
+  });
+  if (!verdict.Check(selected, "a click on \"" + target + "\" (" + Describe(item) +
+                                   ") did not select it")) {
+    return;
+  }
+  ::Sleep(500);  // let the preview paint
+  const std::vector<std::uint32_t> after = PreviewPixels(verdict, window);
+  verdict.Check(IconPixels(after) >= 10, "after the click sIcon shows no icon");
+  verdict.Check(after != before, "after a click on \"" + target +
+                                     "\" sIcon still shows the first row's picture");
+  verdict.Note("clicked \"" + target + "\": selected, preview changed");
+}
+
+struct RunModeCase {
+  std::string name;
+  std::string tail;        // what follows the program's name on its command line
+  bool shown;              // interactive mode: the window is shown
+  bool thorough;           // look at the controls too
+  std::string screenshot;  // file name without extension
+  bool loadFails = false;  // the load routine leaves through its error path
+};
+
+// The load routine failed: the window opened all the same with no tree filled, and the error
+// report is a new line of the log in the data folder.
+void CheckFailedLoad(Verdict& verdict, HWND window, const std::string& logBefore) {
+  HWND tree = FindControl(window, "TvDesktop");
+  if (verdict.Check(tree != nullptr, "\"Quorvane.FindControl\" does not give TvDesktop")) {
+    const int count = static_cast<int>(::SendMessageA(tree, TVM_GETCOUNT, 0, 0));
+    verdict.Check(count == 0, "TvDesktop has " + std::to_string(count) +
+                                  " nodes although the load routine failed before the trees");
+    verdict.Check(::IsWindowVisible(tree) == 0, "TvDesktop is shown although no zone is on");
+  }
+  const std::string log = ReadFileText(DataFolder() + "Quorvane.log");
+  const bool reported = log.size() > logBefore.size() &&
+                        log.compare(0, logBefore.size(), logBefore) == 0 &&
+                        log.find("FrmMain\tForm_Load", logBefore.size()) != std::string::npos;
+  verdict.Check(reported, "no new \"FrmMain\tForm_Load\" line in the error log");
+  if (reported) {
+    std::string line = log.substr(logBefore.size());
+    line = line.substr(0, line.find_first_of("\r\n"));
+    verdict.Note("reported: " + line);
+  }
+}
+
 Verdict RunCase(const RunModeCase& runCase, const std::string& program,
                 const std::string& screenshotFolder) {
   Verdict verdict;
   Child child;
   std::string error;
+  const std::string logBefore = ReadFileText(DataFolder() + "Quorvane.log");
   if (!StartProgram(program, runCase.tail, child, error)) {
     verdict.Check(false, "not started: " + error);
     return verdict;
@@ -135,7 +379,8 @@ Verdict RunCase(const RunModeCase& runCase, const std::string& program,
                   "the window has a frame or a caption");
 
     if (runCase.shown) {
-      const bool visible = WaitUntil(kAppearTimeout, [&] { return ::IsWindowVisible(window) != 0; });
+      const bool visible =
+          WaitUntil(kAppearTimeout, [&] { return ::IsWindowVisible(window) != 0; });
       verdict.Check(visible, "the window exists but is not shown");
       RECT area{};
       ::GetWindowRect(window, &area);
@@ -158,19 +403,34 @@ Verdict RunCase(const RunModeCase& runCase, const std::string& program,
       verdict.Note("loaded hidden, still running after " +
                    std::to_string(kResidentWait / 1000) + " s");
     }
-    if (!runCase.screenshot.empty()) {
-      std::string shotError;
-      const std::string path = screenshotFolder + "\\" + runCase.screenshot + ".bmp";
-      verdict.Check(SaveScreen(path, shotError), "no screenshot: " + shotError);
+    if (runCase.loadFails) {
+      CheckFailedLoad(verdict, window, logBefore);
+    } else if (runCase.thorough) {
+      CheckDesktopTree(verdict, window, runCase.shown);
+      if (runCase.shown) {
+        CheckLookups(verdict, window);
+        CheckPreview(verdict, window);
+      }
     }
+    std::string shotError;
+    const std::string path = screenshotFolder + "\\" + runCase.screenshot + ".bmp";
+    verdict.Check(SaveScreen(path, shotError), "no screenshot: " + shotError);
 
-    ::PostMessageA(window, WM_CLOSE, 0, 0);
+    if (runCase.thorough && runCase.shown && !runCase.loadFails) {
+      CheckNodeClick(verdict, window);
+      // A close request from the system menu or another program is refused.
+      ::PostMessageA(window, WM_CLOSE, 0, 0);
+      ::Sleep(kRefusedCloseWait);
+      verdict.Check(IsRunning(child) && ::IsWindow(window) != 0 && ::IsWindowVisible(window) != 0,
+                    "WM_CLOSE was not refused: the window closed or hid");
+    }
+    verdict.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
   }
 
   DWORD exitCode = 0;
   const bool ended = WaitForEnd(child, kEndTimeout, exitCode);
   verdict.Check(ended, "the process did not end within " + std::to_string(kEndTimeout / 1000) +
-                           " s of WM_CLOSE");
+                           " s of \"Quorvane.Exit\"");
   if (ended) {
     verdict.Check(exitCode == 0, "the process ended with exit code " + std::to_string(exitCode));
   } else {
@@ -179,35 +439,113 @@ Verdict RunCase(const RunModeCase& runCase, const std::string& program,
   return verdict;
 }
 
+// What a run leaves on the user's machine: the program's key, the ".doc" icon it keeps there
+// when the system has a class for ".doc", and its data folder with the blank icon.
+Verdict CheckSideEffects(bool emptyIconRemoved, bool docValueRemoved) {
+  Verdict verdict;
+  HKEY product = nullptr;
+  const bool keyExists =
+      ::RegOpenKeyExA(HKEY_CURRENT_USER, kProductKey, 0, KEY_READ, &product) == ERROR_SUCCESS;
+  verdict.Check(keyExists, std::string("HKEY_CURRENT_USER\\") + kProductKey + " is missing");
+  char docClass[256] = {};
+  LONG classSize = sizeof docClass;
+  const bool docHasClass =
+      ::RegQueryValueA(HKEY_CLASSES_ROOT, ".doc", docClass, &classSize) == ERROR_SUCCESS &&
+      docClass[0] != '\0';
+  if (keyExists) {
+    if (docHasClass) {
+      const bool saved =
+          ::RegQueryValueExA(product, ".doc", nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+      verdict.Check(saved, std::string("HKCR\\.doc has the class \"") + docClass +
+                               "\" but the program's key has no \".doc\" value" +
+                               (docValueRemoved ? " (it was removed before the runs)" : ""));
+    } else {
+      verdict.Note("HKCR\\.doc has no class, so no \".doc\" value is expected");
+    }
+    ::RegCloseKey(product);
+  }
+  const std::string folder = DataFolder();
+  const DWORD folderAttributes = ::GetFileAttributesA(folder.c_str());
+  verdict.Check(folderAttributes != INVALID_FILE_ATTRIBUTES &&
+                    (folderAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                "the data folder " + folder + " is missing");
+  WIN32_FILE_ATTRIBUTE_DATA icon{};
+  const std::string iconPath = folder + "Empty.ico";
+  if (verdict.Check(::GetFileAttributesExA(iconPath.c_str(), GetFileExInfoStandard, &icon) != 0,
+                    iconPath + " is missing" +
+                        (emptyIconRemoved ? " (it was removed before the runs)" : ""))) {
+    const ULONGLONG size = (static_cast<ULONGLONG>(icon.nFileSizeHigh) << 32) | icon.nFileSizeLow;
+    verdict.Check(size == kEmptyIconBytes, iconPath + " has " + std::to_string(size) +
+                                               " bytes, not " + std::to_string(kEmptyIconBytes));
+  }
+  if (verdict.Passed()) {
+    verdict.Note(std::string("the key, ") + (docHasClass ? "its \".doc\" value (class " +
+                                                               std::string(docClass) + "), "
+                                                         : "") +
+                 folder + " and Empty.ico of 768 bytes" +
+                 (emptyIconRemoved ? ", written again after it was removed" : ""));
+  }
+  return verdict;
+}
+
 int RunModes(const std::string& resultPath, const std::string& screenshotFolder) {
   ResultFile result(resultPath);
-  if (!result.IsOpen()) {
-    return 2;
-  }
+  if (!result.IsOpen()) return 2;
   const std::string program = OwnFolder() + "quorvane.exe";
   if (::GetFileAttributesA(program.c_str()) == INVALID_FILE_ATTRIBUTES) {
     result.Line("FAIL setup: " + program + " is missing");
     result.Line("0 passed, 1 failed");
     return 1;
   }
+  // The blank icon and the kept ".doc" icon go, so that the runs must write them again.
+  const std::string emptyIcon = DataFolder() + "Empty.ico";
+  const bool emptyIconRemoved = ::DeleteFileA(emptyIcon.c_str()) != 0;
+  bool docValueRemoved = false;
+  HKEY product = nullptr;
+  if (::RegOpenKeyExA(HKEY_CURRENT_USER, kProductKey, 0, KEY_SET_VALUE, &product) ==
+      ERROR_SUCCESS) {
+    docValueRemoved = ::RegDeleteValueA(product, ".doc") == ERROR_SUCCESS;
+    ::RegCloseKey(product);
+  }
+  // The machine as Windows has it: an icon for "My Computer" and a class for ".doc". All is put
+  // back as it was when the runs are over.
+  ClassValue myComputer(kMyComputerIcon);
+  ClassValue doc(".doc");
+  ClassValue docClass(kDocClass);  // made with its icon's key when it is not there
+  ClassValue docIcon(kDocClassIcon);
+  if (!myComputer.Set(kMyComputerStock) || !doc.Set(kDocClass) || !docIcon.Set(kDocIcon)) {
+    result.Line("FAIL setup: the classes of \"My Computer\" and \".doc\" could not be set");
+    result.Line("0 passed, 1 failed");
+    return 1;
+  }
+
   const std::vector<RunModeCase> cases = {
-      {"interactive, empty command line", "", true, "e2e-interactive"},
-      {"interactive, blanks only", "     ", true, ""},
-      {"resident, /background", " /background", false, "e2e-background"},
-      {"resident, x", " x", false, ""},
+      {"interactive, empty command line", "", true, true, "e2e-interactive"},
+      {"interactive, blanks only", "     ", true, false, "e2e-interactive-blanks"},
+      {"resident, /background", " /background", false, true, "e2e-background"},
+      {"resident, x", " x", false, false, "e2e-resident-x"},
   };
+  const RunModeCase withoutIcon = {"interactive, \"My Computer\" without an icon (a new prefix)",
+                                   "", true, true, "e2e-load-fails", true};
   int passed = 0;
   int failed = 0;
-  for (const RunModeCase& runCase : cases) {
-    const Verdict verdict = RunCase(runCase, program, screenshotFolder);
+  auto report = [&](const std::string& name, const Verdict& verdict) {
     if (verdict.Passed()) {
       ++passed;
-      result.Line("ok   " + runCase.name + ": " + verdict.Summary());
+      result.Line("ok   " + name + ": " + verdict.Summary());
     } else {
       ++failed;
-      result.Line("FAIL " + runCase.name + ": " + verdict.Summary());
+      result.Line("FAIL " + name + ": " + verdict.Summary());
     }
+  };
+  for (const RunModeCase& runCase : cases) {
+    report(runCase.name, RunCase(runCase, program, screenshotFolder));
   }
+  report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
+  // The row of "My Computer" splits its icon's location before mending it: with no value at all
+  // the load routine fails there, as it does on a new Wine prefix.
+  myComputer.Remove();
+  report(withoutIcon.name, RunCase(withoutIcon, program, screenshotFolder));
   result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
   return failed == 0 ? 0 : 1;
 }
@@ -227,7 +565,7 @@ int WaitWindow(const std::string& resultPath, DWORD timeout) {
   return shown ? 0 : 1;
 }
 
-int CloseWindow(const std::string& resultPath, DWORD timeout) {
+int Exit(const std::string& resultPath, DWORD timeout) {
   ResultFile result(resultPath);
   HWND window = ::FindWindowA(kClass.c_str(), kText.c_str());
   if (window == nullptr) {
@@ -237,9 +575,9 @@ int CloseWindow(const std::string& resultPath, DWORD timeout) {
   DWORD processId = 0;
   ::GetWindowThreadProcessId(window, &processId);
   OwnedHandle process(::OpenProcess(SYNCHRONIZE, FALSE, processId));
-  ::PostMessageA(window, WM_CLOSE, 0, 0);
+  PostRegistered(window, kExitMessage);
   const bool ended = process && ::WaitForSingleObject(process.Get(), timeout) == WAIT_OBJECT_0;
-  result.Line(ended ? "closed" : "still running");
+  result.Line(ended ? "ended" : "still running");
   return ended ? 0 : 1;
 }
 
@@ -247,14 +585,8 @@ int CloseWindow(const std::string& resultPath, DWORD timeout) {
 
 int main(int argc, char** argv) {
   const std::string command = argc > 1 ? argv[1] : "";
-  if (command == "run-modes" && argc == 4) {
-    return RunModes(argv[2], argv[3]);
-  }
-  if (command == "wait-window" && argc == 4) {
-    return WaitWindow(argv[2], Milliseconds(argv[3]));
-  }
-  if (command == "close-window" && argc == 4) {
-    return CloseWindow(argv[2], Milliseconds(argv[3]));
-  }
+  if (command == "run-modes" && argc == 4) return RunModes(argv[2], argv[3]);
+  if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
+  if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;
 }

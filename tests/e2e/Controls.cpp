@@ -1,0 +1,223 @@
+#include "Controls.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "Desktop.h"
+
+namespace quorvane::e2e {
+
+HWND FindControl(HWND main, const std::string& systemName, DWORD milliseconds) {
+  const UINT message = ::RegisterWindowMessageA(kFindControlMessage);
+  if (message == 0 || main == nullptr) return nullptr;
+  const ATOM atom = ::GlobalAddAtomA(systemName.c_str());
+  if (atom == 0) return nullptr;
+  DWORD_PTR answer = 0;
+  const LRESULT sent = ::SendMessageTimeoutA(main, message, atom, 0, SMTO_ABORTIFHUNG,
+                                             milliseconds, &answer);
+  ::GlobalDeleteAtom(atom);
+  if (sent == 0) return nullptr;
+  return reinterpret_cast<HWND>(answer);
+}
+
+bool PostRegistered(HWND window, const char* name) {
+  const UINT message = ::RegisterWindowMessageA(name);
+  return message != 0 && ::PostMessageA(window, message, 0, 0) != 0;
+}
+
+namespace {
+
+constexpr std::size_t kTextRoom = 520;
+
+// Memory inside another process, freed with its owner.
+class RemoteBuffer {
+ public:
+  RemoteBuffer(HANDLE process, std::size_t size)
+      : process_(process),
+        address_(::VirtualAllocEx(process, nullptr, size, MEM_COMMIT | MEM_RESERVE,
+                                  PAGE_READWRITE)) {}
+  ~RemoteBuffer() {
+    if (address_ != nullptr) ::VirtualFreeEx(process_, address_, 0, MEM_RELEASE);
+  }
+  RemoteBuffer(const RemoteBuffer&) = delete;
+  RemoteBuffer& operator=(const RemoteBuffer&) = delete;
+
+  void* Address() const { return address_; }
+  char* Bytes() const { return static_cast<char*>(address_); }
+
+ private:
+  HANDLE process_;
+  void* address_;
+};
+
+HTREEITEM Next(HWND tree, UINT relation, HTREEITEM item) {
+  return reinterpret_cast<HTREEITEM>(
+      ::SendMessageA(tree, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+}  // namespace
+
+bool ReadTreeView(HWND tree, std::vector<RemoteItem>& items, int& count, std::string& error) {
+  items.clear();
+  count = static_cast<int>(::SendMessageA(tree, TVM_GETCOUNT, 0, 0));
+  DWORD processId = 0;
+  ::GetWindowThreadProcessId(tree, &processId);
+  OwnedHandle process(::OpenProcess(
+      PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE | PROCESS_QUERY_INFORMATION,
+      FALSE, processId));
+  if (!process) {
+    error = "OpenProcess failed with system error " + std::to_string(::GetLastError());
+    return false;
+  }
+  RemoteBuffer buffer(process.Get(), sizeof(TVITEMA) + kTextRoom);
+  if (buffer.Address() == nullptr) {
+    error = "VirtualAllocEx failed with system error " + std::to_string(::GetLastError());
+    return false;
+  }
+  const HTREEITEM selected = Next(tree, TVGN_CARET, nullptr);
+  // Depth first: an item, its children, then its next sibling.
+  std::vector<HTREEITEM> roots;
+  for (HTREEITEM root = Next(tree, TVGN_ROOT, nullptr); root != nullptr;
+       root = Next(tree, TVGN_NEXT, root)) {
+    roots.push_back(root);
+  }
+  std::vector<std::pair<HTREEITEM, int>> stack;
+  for (std::size_t i = roots.size(); i-- > 0;) stack.emplace_back(roots[i], 0);
+  while (!stack.empty() && items.size() <= static_cast<std::size_t>(count) + 1) {
+    const auto [item, level] = stack.back();
+    stack.pop_back();
+    TVITEMA query{};
+    query.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE;
+    query.hItem = item;
+    query.stateMask = TVIS_BOLD;
+    query.pszText = buffer.Bytes() + sizeof(TVITEMA);
+    query.cchTextMax = static_cast<int>(kTextRoom);
+    SIZE_T moved = 0;
+    if (::WriteProcessMemory(process.Get(), buffer.Address(), &query, sizeof query, &moved) == 0 ||
+        ::SendMessageA(tree, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(buffer.Address())) == 0) {
+      error = "TVM_GETITEMA failed for item " + std::to_string(items.size() + 1);
+      return false;
+    }
+    TVITEMA answer{};
+    char text[kTextRoom + 1] = {};
+    if (::ReadProcessMemory(process.Get(), buffer.Address(), &answer, sizeof answer, &moved) == 0 ||
+        ::ReadProcessMemory(process.Get(), buffer.Bytes() + sizeof(TVITEMA), text, kTextRoom,
+                            &moved) == 0) {
+      error = "ReadProcessMemory failed with system error " + std::to_string(::GetLastError());
+      return false;
+    }
+    RemoteItem read;
+    read.text = text;
+    read.image = answer.iImage;
+    read.selectedImage = answer.iSelectedImage;
+    read.bold = (answer.state & TVIS_BOLD) != 0;
+    read.selected = item == selected;
+    read.level = level;
+    items.push_back(std::move(read));
+    std::vector<HTREEITEM> children;
+    for (HTREEITEM child = Next(tree, TVGN_CHILD, item); child != nullptr;
+         child = Next(tree, TVGN_NEXT, child)) {
+      children.push_back(child);
+    }
+    for (std::size_t i = children.size(); i-- > 0;) stack.emplace_back(children[i], level + 1);
+  }
+  return true;
+}
+
+bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error) {
+  HTREEITEM item = Next(tree, TVGN_ROOT, nullptr);
+  for (int i = 1; i < position && item != nullptr; ++i) item = Next(tree, TVGN_NEXT, item);
+  if (item == nullptr) {
+    error = "no item " + std::to_string(position);
+    return false;
+  }
+  DWORD processId = 0;
+  ::GetWindowThreadProcessId(tree, &processId);
+  OwnedHandle process(::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE,
+                                    FALSE, processId));
+  if (!process) {
+    error = "OpenProcess failed with system error " + std::to_string(::GetLastError());
+    return false;
+  }
+  RemoteBuffer buffer(process.Get(), sizeof(RECT));
+  // TVM_GETITEMRECT takes the item in the first bytes of the rectangle it fills.
+  RECT query{};
+  static_assert(sizeof(HTREEITEM) <= sizeof(RECT));
+  std::memcpy(&query, &item, sizeof item);
+  SIZE_T moved = 0;
+  if (buffer.Address() == nullptr ||
+      ::WriteProcessMemory(process.Get(), buffer.Address(), &query, sizeof query, &moved) == 0 ||
+      ::SendMessageA(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(buffer.Address())) ==
+          0 ||
+      ::ReadProcessMemory(process.Get(), buffer.Address(), &area, sizeof area, &moved) == 0) {
+    error = "TVM_GETITEMRECT failed for item " + std::to_string(position);
+    return false;
+  }
+  ::MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&area), 2);
+  return true;
+}
+
+void ClickAt(POINT point) {
+  // Each event carries the point, in the 0 to 65535 units of the whole screen, so the press
+  // lands there whatever the pointer's position was.
+  const int width = std::max(1, ::GetSystemMetrics(SM_CXSCREEN) - 1);
+  const int height = std::max(1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
+  const LONG x = static_cast<LONG>((static_cast<long long>(point.x) * 65535 + width / 2) / width);
+  const LONG y = static_cast<LONG>((static_cast<long long>(point.y) * 65535 + height / 2) / height);
+  const DWORD flags[] = {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP};
+  for (DWORD flag : flags) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = x;
+    input.mi.dy = y;
+    input.mi.dwFlags = flag | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    ::SendInput(1, &input, sizeof input);
+    ::Sleep(80);
+  }
+}
+
+bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::string& error) {
+  const int width = area.right - area.left;
+  const int height = area.bottom - area.top;
+  if (width <= 0 || height <= 0) {
+    error = "the area is empty";
+    return false;
+  }
+  HDC screen = ::GetDC(nullptr);
+  if (screen == nullptr) {
+    error = "GetDC of the screen failed";
+    return false;
+  }
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;  // top-down
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  info.bmiHeader.biCompression = BI_RGB;
+  void* bits = nullptr;
+  HDC memory = ::CreateCompatibleDC(screen);
+  HBITMAP picture = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  bool copied = false;
+  if (memory != nullptr && picture != nullptr) {
+    HGDIOBJ previous = ::SelectObject(memory, picture);
+    copied = ::BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY) != 0;
+    ::GdiFlush();
+    ::SelectObject(memory, previous);
+  }
+  if (copied) {
+    const auto* first = static_cast<const std::uint32_t*>(bits);
+    pixels.assign(first, first + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
+  }
+  if (picture != nullptr) ::DeleteObject(picture);
+  if (memory != nullptr) ::DeleteDC(memory);
+  ::ReleaseDC(nullptr, screen);
+  if (!copied) error = "the screen could not be copied";
+  return copied;
+}
+
+}  // namespace quorvane::e2e
