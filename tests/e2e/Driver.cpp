@@ -132,21 +132,21 @@ std::string DataFolder() {
 }
 
 // A default value of a key under HKEY_CLASSES_ROOT set for the runs, and put back as it was
-// afterwards: the prefix is left as the runs found it.
+// afterwards, of the same type and bytes: the prefix is left as the runs found it.
 class ClassValue {
  public:
   explicit ClassValue(std::string key) : key_(std::move(key)) {
     HKEY handle = nullptr;
     if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
       keyExisted_ = true;
-      char data[1024] = {};
-      DWORD size = sizeof data - 1;
-      DWORD type = 0;
-      if (::RegQueryValueExA(handle, nullptr, nullptr, &type,
-                             reinterpret_cast<BYTE*>(data), &size) == ERROR_SUCCESS &&
-          type == REG_SZ) {
-        valueExisted_ = true;
-        original_.assign(data, size > 0 && data[size - 1] == '\0' ? size - 1 : size);
+      DWORD size = 0;
+      if (::RegQueryValueExA(handle, nullptr, nullptr, &type_, nullptr, &size) ==
+          ERROR_SUCCESS) {
+        original_.resize(size);
+        valueExisted_ = ::RegQueryValueExA(handle, nullptr, nullptr, &type_,
+                                           original_.empty() ? nullptr : original_.data(),
+                                           &size) == ERROR_SUCCESS;
+        original_.resize(size);
       }
       ::RegCloseKey(handle);
     }
@@ -155,7 +155,7 @@ class ClassValue {
     if (!keyExisted_) {
       ::RegDeleteKeyA(HKEY_CLASSES_ROOT, key_.c_str());
     } else if (valueExisted_) {
-      Set(original_);
+      Write(type_, original_.data(), original_.size());
     } else {
       Remove();
     }
@@ -163,17 +163,10 @@ class ClassValue {
   ClassValue(const ClassValue&) = delete;
   ClassValue& operator=(const ClassValue&) = delete;
 
+  // Whether the key had a default value before the runs.
+  bool Present() const { return valueExisted_; }
   bool Set(const std::string& value) const {
-    HKEY handle = nullptr;
-    if (::RegCreateKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                          &handle, nullptr) != ERROR_SUCCESS) {
-      return false;
-    }
-    const LONG set = ::RegSetValueExA(handle, nullptr, 0, REG_SZ,
-                                      reinterpret_cast<const BYTE*>(value.c_str()),
-                                      static_cast<DWORD>(value.size() + 1));
-    ::RegCloseKey(handle);
-    return set == ERROR_SUCCESS;
+    return Write(REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), value.size() + 1);
   }
   void Remove() const {
     HKEY handle = nullptr;
@@ -184,10 +177,22 @@ class ClassValue {
   }
 
  private:
+  bool Write(DWORD type, const BYTE* data, std::size_t size) const {
+    HKEY handle = nullptr;
+    if (::RegCreateKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                          &handle, nullptr) != ERROR_SUCCESS) {
+      return false;
+    }
+    const LONG set = ::RegSetValueExA(handle, nullptr, 0, type, data, static_cast<DWORD>(size));
+    ::RegCloseKey(handle);
+    return set == ERROR_SUCCESS;
+  }
+
   std::string key_;
   bool keyExisted_ = false;
   bool valueExisted_ = false;
-  std::string original_;
+  DWORD type_ = REG_NONE;
+  std::vector<BYTE> original_;
 };
 
 std::string ReadFileText(const std::string& path) {
@@ -507,13 +512,14 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
     docValueRemoved = ::RegDeleteValueA(product, ".doc") == ERROR_SUCCESS;
     ::RegCloseKey(product);
   }
-  // The machine as Windows has it: an icon for "My Computer" and a class for ".doc". All is put
-  // back as it was when the runs are over.
+  // The machine as Windows has it: an icon for "My Computer" (the prefix's own when it has one)
+  // and a class for ".doc". All is put back as it was when the runs are over.
   ClassValue myComputer(kMyComputerIcon);
   ClassValue doc(".doc");
   ClassValue docClass(kDocClass);  // made with its icon's key when it is not there
   ClassValue docIcon(kDocClassIcon);
-  if (!myComputer.Set(kMyComputerStock) || !doc.Set(kDocClass) || !docIcon.Set(kDocIcon)) {
+  if (!(myComputer.Present() || myComputer.Set(kMyComputerStock)) || !doc.Set(kDocClass) ||
+      !docIcon.Set(kDocIcon)) {
     result.Line("FAIL setup: the classes of \"My Computer\" and \".doc\" could not be set");
     result.Line("0 passed, 1 failed");
     return 1;
@@ -525,7 +531,7 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
       {"resident, /background", " /background", false, true, "e2e-background"},
       {"resident, x", " x", false, false, "e2e-resident-x"},
   };
-  const RunModeCase withoutIcon = {"interactive, \"My Computer\" without an icon (a new prefix)",
+  const RunModeCase withoutIcon = {"interactive, no icon value for \"My Computer\"",
                                    "", true, true, "e2e-load-fails", true};
   int passed = 0;
   int failed = 0;
@@ -543,7 +549,7 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
   }
   report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
   // The row of "My Computer" splits its icon's location before mending it: with no value at all
-  // the load routine fails there, as it does on a new Wine prefix.
+  // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();
   report(withoutIcon.name, RunCase(withoutIcon, program, screenshotFolder));
   result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
