@@ -11,3 +11,23 @@ if(QUORVANE_E2E_SOURCES AND TARGET quorvane)
   # The driver starts quorvane.exe from its own folder: build both together.
   add_dependencies(e2e_driver quorvane)
 endif()
+
+# The start-up benchmark's build of quorvane.exe (bench/win_startup.cpp runs it): the same program
+# with the flag "--startup-benchmark" that signals when the window is shown and ends it there.
+# Only `bash scripts/bench.sh startup` builds it.
+if(TARGET quorvane)
+  add_executable(quorvane_startup WIN32 EXCLUDE_FROM_ALL
+    ${QUORVANE_APP_SOURCES} ${QUORVANE_APP_RESOURCES})
+  target_compile_definitions(quorvane_startup PRIVATE QUORVANE_STARTUP_BENCHMARK)
+  target_link_libraries(quorvane_startup PRIVATE quorvane_win32)
+  quorvane_target(quorvane_startup)
+endif()
+
+# The minimal window program the start-up is measured against is a GUI program like quorvane.exe,
+# so that both start the same way. Its target is made after this file is read.
+function(quorvane_minimal_window_is_gui)
+  if(TARGET win_minimal_window)
+    set_target_properties(win_minimal_window PROPERTIES WIN32_EXECUTABLE ON)
+  endif()
+endfunction()
+cmake_language(DEFER DIRECTORY ${CMAKE_SOURCE_DIR} CALL quorvane_minimal_window_is_gui)

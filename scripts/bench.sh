@@ -4,6 +4,8 @@
 #   bash scripts/bench.sh            all of them
 #   bash scripts/bench.sh import     ImportFromReg against `wine reg import`
 #   bash scripts/bench.sh resample   cDIBSection::Resample, natively
+#   bash scripts/bench.sh startup    quorvane.exe to its main window shown, against a minimal
+#                                    window program, under Wine in a virtual desktop on Xvfb
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -47,9 +49,48 @@ bench_resample() {
   build/native-release/bench_resample
 }
 
+bench_startup() {
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" \
+    --target quorvane_startup win_minimal_window win_startup >/dev/null
+  source scripts/wine-env.sh
+  source scripts/display.sh
+  local own_server=0
+  wineserver_running || own_server=1
+  local dir="$root/build/bench"
+  local desktop="QuorvaneBench$$"
+  local result="$dir/startup.txt"
+  mkdir -p "$dir"
+  rm -f "$result"
+  wine_prepare
+  display_start || exit 1
+  echo "== start-up: process start to the main window shown (rows read, trees filled), against"
+  echo "   a program that only opens one window; $runs runs each, Wine desktop on Xvfb $DISPLAY"
+  # The timing program starts both inside the virtual desktop and writes its figures to a file.
+  wine explorer "/desktop=$desktop,1280x800" build/windows/win_startup.exe "$runs" \
+    "$(winepath -w "$result")" >"$dir/startup-wine.log" 2>&1 </dev/null &
+  local wine_pid=$! i
+  for i in $(seq 1 $(( runs * 60 + 600 ))); do
+    if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
+    if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then break; fi
+    sleep 0.1
+  done
+  desktop_stop "$desktop" 10
+  wait "$wine_pid" 2>/dev/null
+  display_stop
+  if [ "$own_server" = 1 ]; then wine_finish; fi
+  if [ -f "$result" ]; then
+    tr -d '\r' <"$result" | grep -v '^done$'
+  else
+    echo "startup: no figures (see $dir/startup-wine.log)" >&2
+    return 1
+  fi
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
-  all) bench_resample; bench_import ;;
+  startup) bench_startup ;;
+  all) bench_resample; bench_import; bench_startup ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac

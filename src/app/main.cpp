@@ -7,6 +7,7 @@
 
 #include "app/MainWindow.h"
 #include "app/Services.h"
+#include "app/StartupBenchmark.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/MessageBoxes.h"
@@ -18,6 +19,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLi
   app::InstallWin32Services();
   // COM for the platform's pictures and for the accessible names of the controls.
   const HRESULT ole = ::OleInitialize(nullptr);
+#ifdef QUORVANE_STARTUP_BENCHMARK
+  app::StartupBenchmark benchmark;
+#endif
   FrmMain frmMain;
   MainWindowScope installedWindow(frmMain);
   app::MainWindow mainWindow(instance, frmMain);
@@ -29,6 +33,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLi
     platform::Use<platform::MessageBoxes>().MsgBox(
         failure.what(), platform::msgbox::kOkOnly | platform::msgbox::kCritical);
   }
+#ifdef QUORVANE_STARTUP_BENCHMARK
+  if (benchmark.Active()) benchmark.Shown(mainWindow, frmMain);
+#endif
   int exitCode = 0;
   if (mainWindow.IsLoaded()) exitCode = app::RunMessageLoop(mainWindow);
   if (SUCCEEDED(ole)) ::OleUninitialize();

@@ -1,0 +1,184 @@
+// Start-up benchmark (not a test): how long quorvane.exe takes from the start of its process to
+// its main window shown, with every catalogue row read and the trees filled, against a minimal
+// program that only opens one window. Both run in turn, in the same Wine prefix and the same
+// session, each as a whole new process, and each signals "shown" through a named event:
+//
+//   win_startup <runs> [<result file>]
+//
+// runs quorvane_startup.exe (the benchmark build of quorvane.exe) and win_minimal_window.exe from
+// its own folder with "--startup-benchmark <event>", after one warm-up start of each, alternating
+// which goes first. It prints each program's times to "shown", their ratio, and the load
+// routine's own time, which the benchmark build reports on its standard output. The figures go
+// to the result file when one is given (a program started into a Wine virtual desktop has no
+// standard output its caller can read), else to the standard output.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Program {
+  std::string label;
+  std::string path;
+  std::vector<double> shownMs;
+  std::vector<double> loadMs;
+  std::string lastReport;
+};
+
+double Now() {
+  static LARGE_INTEGER frequency = [] {
+    LARGE_INTEGER f{};
+    ::QueryPerformanceFrequency(&f);
+    return f;
+  }();
+  LARGE_INTEGER counter{};
+  ::QueryPerformanceCounter(&counter);
+  return static_cast<double>(counter.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
+}
+
+std::string OwnFolder() {
+  char path[MAX_PATH] = {};
+  const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
+  std::string folder(path, length);
+  const std::size_t slash = folder.find_last_of("\\/");
+  return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
+}
+
+// One start: the milliseconds from just before CreateProcess to the "shown" event, or a
+// negative value when the program did not signal within a minute. What it wrote goes to `output`.
+double StartOnce(const std::string& program, const std::string& eventName, std::string& output) {
+  output.clear();
+  HANDLE shown = ::CreateEventA(nullptr, TRUE, FALSE, eventName.c_str());
+  if (shown == nullptr) return -1.0;
+  SECURITY_ATTRIBUTES inheritable{};
+  inheritable.nLength = sizeof inheritable;
+  inheritable.bInheritHandle = TRUE;
+  HANDLE readEnd = nullptr;
+  HANDLE writeEnd = nullptr;
+  if (::CreatePipe(&readEnd, &writeEnd, &inheritable, 0) == 0) {
+    ::CloseHandle(shown);
+    return -1.0;
+  }
+  ::SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = nullptr;
+  startup.hStdOutput = writeEnd;
+  startup.hStdError = writeEnd;
+  std::string commandLine = "\"" + program + "\" --startup-benchmark " + eventName;
+  std::vector<char> writable(commandLine.begin(), commandLine.end());
+  writable.push_back('\0');
+  PROCESS_INFORMATION started{};
+  const double begin = Now();
+  const BOOL created = ::CreateProcessA(program.c_str(), writable.data(), nullptr, nullptr, TRUE,
+                                        0, nullptr, nullptr, &startup, &started);
+  ::CloseHandle(writeEnd);
+  double elapsed = -1.0;
+  if (created != 0) {
+    HANDLE waits[2] = {shown, started.hProcess};
+    const DWORD which = ::WaitForMultipleObjects(2, waits, FALSE, 60000);
+    if (which == WAIT_OBJECT_0) elapsed = Now() - begin;
+    if (::WaitForSingleObject(started.hProcess, 30000) != WAIT_OBJECT_0) {
+      ::TerminateProcess(started.hProcess, 99);
+      ::WaitForSingleObject(started.hProcess, 5000);
+    }
+    ::CloseHandle(started.hThread);
+    ::CloseHandle(started.hProcess);
+    char buffer[512];
+    DWORD read = 0;
+    while (::ReadFile(readEnd, buffer, sizeof buffer, &read, nullptr) != 0 && read > 0) {
+      output.append(buffer, read);
+    }
+  }
+  ::CloseHandle(readEnd);
+  ::CloseHandle(shown);
+  return elapsed;
+}
+
+double Median(std::vector<double> values) {
+  if (values.empty()) return 0.0;
+  std::sort(values.begin(), values.end());
+  const std::size_t middle = values.size() / 2;
+  return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2.0;
+}
+
+double Mean(const std::vector<double>& values) {
+  double sum = 0.0;
+  for (double v : values) sum += v;
+  return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
+}
+
+void Print(std::FILE* out, const Program& program) {
+  if (program.shownMs.empty()) {
+    std::fprintf(out, "%-30s no start signalled \"shown\"\n", program.label.c_str());
+    return;
+  }
+  std::fprintf(out,
+               "%-30s median %7.1f ms  mean %7.1f ms  min %7.1f ms  max %7.1f ms  (%zu runs)\n",
+               program.label.c_str(), Median(program.shownMs), Mean(program.shownMs),
+              *std::min_element(program.shownMs.begin(), program.shownMs.end()),
+              *std::max_element(program.shownMs.begin(), program.shownMs.end()),
+              program.shownMs.size());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
+  const std::string folder = OwnFolder();
+  std::FILE* out = argc > 2 ? std::fopen(argv[2], "w") : stdout;
+  if (out == nullptr) return 2;
+  std::vector<Program> programs = {
+      {"minimal window", folder + "win_minimal_window.exe", {}, {}, {}},
+      {"quorvane.exe (benchmark build)", folder + "quorvane_startup.exe", {}, {}, {}},
+  };
+  for (const Program& program : programs) {
+    if (::GetFileAttributesA(program.path.c_str()) == INVALID_FILE_ATTRIBUTES) {
+      std::fprintf(out, "missing: %s\n", program.path.c_str());
+      if (out != stdout) std::fclose(out);
+      return 2;
+    }
+  }
+  const DWORD self = ::GetCurrentProcessId();
+  std::string output;
+  for (Program& program : programs) {  // warm-up: file caches, the prefix's first loads
+    StartOnce(program.path, "QuorvaneStartupWarmUp" + std::to_string(self), output);
+  }
+  for (int run = 0; run < runs; ++run) {
+    for (std::size_t k = 0; k < programs.size(); ++k) {
+      Program& program = programs[(k + static_cast<std::size_t>(run)) % programs.size()];
+      const std::string eventName = "QuorvaneStartupShown" + std::to_string(self) + "_" +
+                                    std::to_string(run) + "_" + std::to_string(k);
+      const double ms = StartOnce(program.path, eventName, output);
+      if (ms >= 0.0) program.shownMs.push_back(ms);
+      const std::size_t load = output.find("load_ms=");
+      if (load != std::string::npos) {
+        program.loadMs.push_back(std::atof(output.c_str() + load + 8));
+        program.lastReport = output.substr(0, output.find_first_of("\r\n"));
+      }
+    }
+  }
+  std::fprintf(out, "start-up to the main window shown, %d runs each, alternating:\n", runs);
+  for (const Program& program : programs) Print(out, program);
+  const Program& minimal = programs[0];
+  const Program& quorvane = programs[1];
+  if (!minimal.shownMs.empty() && !quorvane.shownMs.empty()) {
+    std::fprintf(out, "ratio of medians: %.2fx the minimal window\n",
+                Median(quorvane.shownMs) / Median(minimal.shownMs));
+  }
+  if (!quorvane.loadMs.empty()) {
+    std::fprintf(out,
+                 "load routine inside the process: median %.1f ms, mean %.1f ms (last: %s)\n",
+                 Median(quorvane.loadMs), Mean(quorvane.loadMs), quorvane.lastReport.c_str());
+  }
+  const bool complete = minimal.shownMs.size() == static_cast<std::size_t>(runs) &&
+                        quorvane.shownMs.size() == static_cast<std::size_t>(runs);
+  std::fprintf(out, "done\n");
+  if (out != stdout) std::fclose(out);
+  return complete ? 0 : 1;
+}
