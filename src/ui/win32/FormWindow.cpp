@@ -569,7 +569,10 @@ void FormWindow::Place(BoundControl& bound) {
 }
 
 void FormWindow::Repaint(BoundControl& bound) {
-  // A label shows what lies under it, so its container is drawn again around it too.
+  // A window that is not on the screen is painted whole when it comes; until then there is
+  // nothing to draw again. (While the form loads hidden, that saves a request per change.)
+  if (::IsWindowVisible(bound.window) == 0) return;
+  // The labels standing in a picture box show it through them: they are drawn again with it.
   ::RedrawWindow(bound.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
@@ -1024,7 +1027,7 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
       ::SendMessageA(bound->window, TVM_SETIMAGELIST, TVSIL_NORMAL,
                      reinterpret_cast<LPARAM>(list.list.Get()));
     }
-    ::InvalidateRect(bound->window, nullptr, FALSE);
+    if (::IsWindowVisible(bound->window) != 0) ::InvalidateRect(bound->window, nullptr, FALSE);
   }
 }
 
