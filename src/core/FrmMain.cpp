@@ -133,6 +133,22 @@ FrmMain::FrmMain() {
           &PBWallpaper);
   }
 
+  // The form's routines behind the controls' events.
+  TvDesktop.Click = [this] { TvDesktop_Click(); };
+  TvStartMenu.Click = [this] { TvStartMenu_Click(); };
+  TvExplore.Click = [this] { TvExplore_Click(); };
+  TvFileType.Click = [this] { TvFileType_Click(); };
+  TvControlPanel.Click = [this] { TvControlPanel_Click(); };
+  CmdWindow.Click = [this] { CmdWindow_Click(); };
+  CmdWindow.MouseMove = [this](std::int16_t button, std::int16_t shift, float x, float y) {
+    CmdWindow_MouseMove(button, shift, x, y);
+  };
+  for (std::size_t i = 0; i < CmdMenu.size(); ++i) {
+    CmdMenu[i].Click = [this, i] { CmdMenu_Click(static_cast<std::int16_t>(i)); };
+  }
+  PicClose.Click = [this] { PicClose_Click(); };
+  PicMin.Click = [this] { PicMin_Click(); };
+
   // Surfaces that only serve as targets or stores.
   PicPopup.Visible(false);
   ImgPopupWindows.Visible(false);

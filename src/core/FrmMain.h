@@ -140,6 +140,8 @@ class FrmMain {
   void Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode);
   void CmdMenu_Click(std::int16_t Index);
   void CmdWindow_Click();
+  // Keeps the position of the last mouse move over CmdWindow, which its click reads.
+  void CmdWindow_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y);
   void ResetHover();
   void TvDesktop_Click();
   void TvStartMenu_Click();

@@ -144,6 +144,12 @@ void FrmMain::CmdWindow_Click() {
   }
 }
 
+void FrmMain::CmdWindow_MouseMove(std::int16_t /*Button*/, std::int16_t /*Shift*/, float X,
+                                  float Y) {
+  CategoryClickX = static_cast<std::int16_t>(text::RoundHalfEven(X));
+  CategoryClickY = static_cast<std::int16_t>(text::RoundHalfEven(Y));
+}
+
 void FrmMain::CmdMenu_Click(std::int16_t Index) {
   ui::PictureBox* pages[] = {&PBPelmoraMain, &PBFileSystem, &PBAppearance, &PBWallpaper};
   for (std::size_t i = 0; i < CmdMenu.size(); ++i) CmdMenu[i].Tag("");

@@ -200,3 +200,54 @@ TEST_F(FormLoadTest, ALoadAfterEmptyingRebuildsTheSameWindowAndKeepsOneTrayIcon)
 
 }  // namespace
 }  // namespace quorvane
+
+namespace quorvane {
+namespace {
+
+// The controls' events reach the form's routines.
+TEST_F(FormLoadTest, ZonesAndTreesAnswerTheirEvents) {
+  form_.Form_Load();
+  form_.CmdWindow.MouseMove(0, 0, 2000.4f, 100.0f);
+  EXPECT_EQ(form_.CategoryClickX, 2000);
+  form_.CmdWindow.Click();
+  EXPECT_TRUE(form_.TvStartMenu.Visible());
+  EXPECT_FALSE(form_.TvDesktop.Visible());
+  EXPECT_EQ(form_.LblIconCat.Caption(), "Start Menu");
+  // Between two zones nothing shows.
+  form_.CmdWindow.MouseMove(0, 0, 1600.0f, 100.0f);
+  form_.CmdWindow.Click();
+  EXPECT_FALSE(form_.TvStartMenu.Visible());
+  EXPECT_FALSE(form_.TvDesktop.Visible());
+  // Above and below the strip nothing changes.
+  form_.CmdWindow.MouseMove(0, 0, 100.0f, 15.0f);
+  form_.CmdWindow.Click();
+  EXPECT_EQ(form_.LblIconCat.Caption(), "Start Menu");
+  form_.CmdWindow.MouseMove(0, 0, 100.0f, 16.0f);
+  form_.CmdWindow.Click();
+  EXPECT_EQ(form_.LblIconCat.Caption(), "Desktop");
+  form_.CmdMenu[3].Click();
+  EXPECT_TRUE(form_.PBWallpaper.Visible());
+  EXPECT_EQ(form_.LblCommandName.Caption(), "Wallpaper Manager");
+  EXPECT_TRUE(form_.FrameWallpaper.Visible());
+  EXPECT_FALSE(form_.FrameCommands.Visible());
+  EXPECT_FALSE(form_.CmdApply.Enabled());
+}
+
+TEST_F(FormLoadTest, ATreeClickPreviewsItsRowWithoutAddingAnImage) {
+  form_.Form_Load();
+  const std::int16_t images = form_.ILicons.Count();
+  form_.TvDesktop.Select(3);
+  form_.TvDesktop.Click();
+  EXPECT_EQ(form_.ILicons.Count(), images);
+  // The other trees let a failure end their routine: a row without a comma.
+  form_.IconRecords[33].Current = "no comma";
+  form_.TvStartMenu.Select(1);  // "EMail", row 33
+  EXPECT_ANY_THROW(form_.TvStartMenu.Click());
+  // TvDesktop passes over it.
+  form_.IconRecords[27].Current = "";
+  form_.TvDesktop.Select(1);
+  EXPECT_NO_THROW(form_.TvDesktop.Click());
+}
+
+}  // namespace
+}  // namespace quorvane
