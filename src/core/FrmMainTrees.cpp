@@ -30,9 +30,9 @@ void PreviewSelectedRow(FrmMain& form, ui::TreeView& tree) {
   for (IconRecord& record : form.IconRecords) {
     if (tree.Item(tree.SelectedItem()).Text != record.Name) continue;
     const std::vector<std::string> pieces = text::Split(record.Current, ",");
-    const std::int32_t number = StrictLong(pieces.at(1));
+    const std::int32_t number = StrictLong(text::Piece(pieces, 1));
     std::int16_t add = 0;
-    AddIconImage(pieces.at(0), number, add);
+    AddIconImage(text::Piece(pieces, 0), number, add);
     return;
   }
 }
@@ -49,10 +49,10 @@ void FrmMain::TvDesktop_Click() {
     std::vector<std::string> pieces;
     std::int32_t number = 0;
     Guarded([&] { pieces = text::Split(record.Current, ","); });
-    Guarded([&] { number = StrictLong(pieces.at(1)); });
+    Guarded([&] { number = StrictLong(text::Piece(pieces, 1)); });
     Guarded([&] {
       std::int16_t add = 0;
-      AddIconImage(pieces.at(0), number, add);
+      AddIconImage(text::Piece(pieces, 0), number, add);
     });
     return;
   }

@@ -126,6 +126,11 @@ std::vector<std::string> Split(std::string_view s, std::string_view delimiter) {
   }
 }
 
+const std::string& Piece(const std::vector<std::string>& pieces, std::size_t index) {
+  if (index >= pieces.size()) RaiseSubscriptOutOfRange();
+  return pieces[index];
+}
+
 std::string Repeat(char c, std::size_t count) { return std::string(count, c); }
 
 std::string HexOf(std::int32_t value) {

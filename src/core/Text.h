@@ -40,6 +40,10 @@ std::int64_t InStr(std::int64_t start, std::string_view s, std::string_view soug
 // Pieces between the delimiters. An empty text gives no pieces at all.
 std::vector<std::string> Split(std::string_view s, std::string_view delimiter);
 
+// Piece `index` of a split, counted from 0; an index past the last piece is the subscript out of
+// range failure.
+const std::string& Piece(const std::vector<std::string>& pieces, std::size_t index);
+
 // A string of `count` copies of `c`.
 std::string Repeat(char c, std::size_t count);
 

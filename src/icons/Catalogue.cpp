@@ -206,8 +206,8 @@ std::string Ensured(std::string& t) { return EnsureIconIndex(t); }
 
 // Splits a location at its commas and adds the icon of its first two pieces to ILicons.
 void AddRowImage(const std::vector<std::string>& pieces, Number number) {
-  const std::string& path = pieces.at(0);
-  const std::string& index = pieces.at(1);
+  const std::string& path = text::Piece(pieces, 0);
+  const std::string& index = text::Piece(pieces, 1);
   const std::int32_t n = number == Number::Lenient ? LenientLong(index) : StrictLong(index);
   std::int16_t add = kTrue;
   AddIconImage(path, n, add);

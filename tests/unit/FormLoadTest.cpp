@@ -169,6 +169,8 @@ TEST_F(FormLoadTest, ARowThatFailsEndsTheRoutineThroughItsErrorPath) {
   const std::string log = Log();
   EXPECT_NE(log.find("FrmMain"), std::string::npos) << log;
   EXPECT_NE(log.find("Form_Load"), std::string::npos) << log;
+  // The split without a second piece is the subscript failure.
+  EXPECT_NE(log.find("error 9\tSubscript out of range"), std::string::npos) << log;
   EXPECT_TRUE(boxes_.Boxes().empty());
 }
 
