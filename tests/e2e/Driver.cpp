@@ -16,6 +16,7 @@
 // The result goes to a file because a program started into a virtual desktop has neither the
 // caller's standard output nor an exit code the caller can read.
 #include <windows.h>
+#include <shellapi.h>
 #include <shlobj.h>
 #include <commctrl.h>
 
@@ -332,6 +333,23 @@ struct RunModeCase {
   bool loadFails = false;  // the load routine leaves through its error path
 };
 
+// The tray icon is there: the notification area changes an icon of the window PicPopup, id 1,
+// only when it holds one.
+void CheckTrayIcon(Verdict& verdict, HWND window) {
+  HWND popup = FindControl(window, "PicPopup");
+  if (!verdict.Check(popup != nullptr, "\"Quorvane.FindControl\" does not give PicPopup")) return;
+  NOTIFYICONDATAA icon{};
+  icon.cbSize = NOTIFYICONDATAA_V1_SIZE;
+  icon.hWnd = popup;
+  icon.uID = 1;
+  icon.uFlags = 0;
+  verdict.Check(::Shell_NotifyIconA(NIM_MODIFY, &icon) != 0,
+                "no tray icon of PicPopup with id 1 in the notification area");
+  icon.uID = 2;
+  verdict.Check(::Shell_NotifyIconA(NIM_MODIFY, &icon) == 0,
+                "the notification area claims an icon of id 2 as well: the check proves nothing");
+}
+
 // The load routine failed: the window opened all the same with no tree filled, and the error
 // report is a new line of the log in the data folder.
 void CheckFailedLoad(Verdict& verdict, HWND window, const std::string& logBefore) {
@@ -407,6 +425,7 @@ Verdict RunCase(const RunModeCase& runCase, const std::string& program,
       verdict.Check(IsRunning(child), "the process ended although its window is loaded");
       verdict.Note("loaded hidden, still running after " +
                    std::to_string(kResidentWait / 1000) + " s");
+      CheckTrayIcon(verdict, window);
     }
     if (runCase.loadFails) {
       CheckFailedLoad(verdict, window, logBefore);
