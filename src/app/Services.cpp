@@ -14,6 +14,7 @@
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
+#include "platform/win32/Win32WindowActions.h"
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
 
@@ -34,6 +35,7 @@ void InstallWin32Services() {
   InstallForGood<platform::Process, platform::Win32Process>();
   InstallForGood<platform::RegistryStore, platform::Win32Registry>();
   InstallForGood<platform::ResourcePictures, platform::Win32ResourcePictures>();
+  InstallForGood<platform::WindowActions, platform::Win32WindowActions>();
   InstallForGood<platform::ProfileFiles, platform::Win32ProfileFiles>();
   InstallForGood<platform::FileSystem, platform::Win32FileSystem>();
   InstallForGood<platform::EventLoop, platform::Win32EventLoop>();

@@ -148,6 +148,35 @@ FrmMain::FrmMain() {
   }
   PicClose.Click = [this] { PicClose_Click(); };
   PicMin.Click = [this] { PicMin_Click(); };
+  Label14.Click = [this] { Label14_Click(); };
+
+  // Hover.
+  const auto onMove = [](std::function<void()> routine) {
+    return [routine](std::int16_t, std::int16_t, float, float) { routine(); };
+  };
+  for (std::size_t i = 0; i < CmdMenu.size(); ++i) {
+    CmdMenu[i].MouseMove = onMove([this, i] { CmdMenu_MouseMove(static_cast<std::int16_t>(i)); });
+  }
+  CmdChange.MouseMove = onMove([this] { CmdChange_MouseMove(); });
+  CmdReset.MouseMove = onMove([this] { CmdReset_MouseMove(); });
+  CmdDefault.MouseMove = onMove([this] { CmdDefault_MouseMove(); });
+  CmdApply.MouseMove = onMove([this] { CmdApply_MouseMove(); });
+  CmdSetAsWallpaper.MouseMove = onMove([this] { CmdSetAsWallpaper_MouseMove(); });
+  CmdSettings.MouseMove = onMove([this] { CmdSettings_MouseMove(); });
+  CmdSlideShow.MouseMove = onMove([this] { CmdSlideShow_MouseMove(); });
+  PicClose.MouseMove = onMove([this] { PicClose_MouseMove(); });
+  PicMin.MouseMove = onMove([this] { PicMin_MouseMove(); });
+  FrameCommands.MouseMove = onMove([this] { FrameCommands_MouseMove(); });
+  FrameWallpaper.MouseMove = onMove([this] { FrameWallpaper_MouseMove(); });
+  PBWallpaper.MouseMove = onMove([this] { PBWallpaper_MouseMove(); });
+  for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
+    CmdWallpaperControl[i].MouseMove =
+        onMove([this, i] { CmdWallpaperControl_MouseMove(static_cast<std::int16_t>(i)); });
+  }
+  for (std::size_t i = 0; i < imgTop.size(); ++i) {
+    imgTop[i].MouseMove = onMove([this, i] { imgTop_MouseMove(static_cast<std::int16_t>(i)); });
+    imgTop[i].Click = [this, i] { imgTop_Click(static_cast<std::int16_t>(i)); };
+  }
 
   // Surfaces that only serve as targets or stores.
   PicPopup.Visible(false);

@@ -139,6 +139,27 @@ class FrmMain {
   // Unload requests: `UnloadMode` 0 is the close from the system menu or the keyboard.
   void Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode);
   void CmdMenu_Click(std::int16_t Index);
+  // Hover: a control under the mouse shows its hover picture once, until another takes over.
+  void CmdMenu_MouseMove(std::int16_t Index);
+  void CmdChange_MouseMove();
+  void CmdReset_MouseMove();
+  void CmdDefault_MouseMove();
+  void CmdApply_MouseMove();
+  void CmdSetAsWallpaper_MouseMove();
+  void CmdSettings_MouseMove();
+  void CmdSlideShow_MouseMove();
+  void PicClose_MouseMove();
+  void PicMin_MouseMove();
+  void FrameCommands_MouseMove();
+  void FrameWallpaper_MouseMove();
+  void Form_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y);
+  void CmdWallpaperControl_MouseMove(std::int16_t Index);
+  void PBWallpaper_MouseMove();
+  void imgTop_MouseMove(std::int16_t Index);
+  void imgTop_Click(std::int16_t Index);
+  // A press on the window's background drags the window.
+  void Form_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
+  void Label14_Click();
   void CmdWindow_Click();
   // Keeps the position of the last mouse move over CmdWindow, which its click reads.
   void CmdWindow_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y);
@@ -153,12 +174,20 @@ class FrmMain {
   void mnuShowHide_Click();
   void mnuExit_Click();
 
+  // The highlight colour of a wallpaper command under the mouse.
+  static constexpr std::uint32_t kHighlight = 0xC0762A;
+
   // Every control of the window, for a binding and for lookups by name.
   const std::vector<ui::Control*>& Controls() const { return controls_; }
   // The control of that name (and index, for an element of a control array); null if none.
   ui::Control* FindControl(const std::string& name, std::int32_t index = -1) const;
 
  private:
+  // Runs ResetHover, keeps the key and shows the picture, unless the key is already held.
+  void Hover(const std::string& key, ui::PictureBox& box, std::int32_t picture);
+  // The surfaces that only clear.
+  void ClearHover(const std::string& key);
+
   std::unique_ptr<AdvRegistryAccess> reg_;
   std::vector<ui::Control*> controls_;
 };

@@ -50,6 +50,16 @@ void Label::Caption(const std::string& value) {
   Notify(Property::Caption);
 }
 
+void Label::ForeColor(std::uint32_t value) {
+  foreColor_ = value;
+  Notify(Property::Caption);
+}
+
+void Label::FontUnderline(bool value) {
+  underline_ = value;
+  Notify(Property::Caption);
+}
+
 void CheckBox::Caption(const std::string& value) {
   caption_ = value;
   Notify(Property::Caption);

@@ -104,9 +104,16 @@ class Label : public Control {
   using Control::Control;
   const std::string& Caption() const { return caption_; }
   void Caption(const std::string& value);
+  // The text's colour (0xBBGGRR) and underline, the two marks of a highlighted label.
+  std::uint32_t ForeColor() const { return foreColor_; }
+  void ForeColor(std::uint32_t value);
+  bool FontUnderline() const { return underline_; }
+  void FontUnderline(bool value);
 
  private:
   std::string caption_;
+  std::uint32_t foreColor_ = 0;
+  bool underline_ = false;
 };
 
 class CheckBox : public Control {
