@@ -1,0 +1,306 @@
+#!/usr/bin/env bash
+# Draws the bitmap resources of quorvane.exe: the pictures of the page commands, the command
+# buttons, the wallpaper page's buttons, the close and minimise pictures, the zone strip of the
+# icons page and the slide show's buttons.
+#
+#   scripts/make-bitmaps.sh OUTDIR
+#
+# For each picture it writes a drawing in ImageMagick's vector format (OUTDIR/mvg/N.mvg) from the
+# tables below and the glyphs in res/art/, then turns it into OUTDIR/N.bmp: a 24-bit,
+# uncompressed Windows bitmap of exactly the pixel size of the control that shows it. The build
+# runs this script; res/bitmaps.rc names the files by number.
+#
+# One look for all: a light page, one accent blue, dark text in DejaVu Sans, drawn at one pixel
+# per unit (no scaling, no blur). Resting pictures are light, hover pictures are filled with the
+# accent, disabled and not-active pictures are grey.
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+magick=/usr/bin/convert
+if [ ! -x "$magick" ]; then
+  echo "make-bitmaps: ImageMagick is missing (apt-get install imagemagick)" >&2
+  exit 1
+fi
+out="${1:-$root/build/bitmaps}"
+art="$root/res/art"
+mkdir -p "$out/mvg"
+
+# --- the palette ------------------------------------------------------------------------------
+window_bg='#f5f5f5'     # the window's own background, behind the page commands and title pictures
+page_bg='#ffffff'       # the pages and the command frames
+accent='#2563b8'
+accent_hover='#e8f0fb'  # the light tint of a page command under the mouse
+accent_text='#1d4f91'
+text_dark='#3f4652'
+grey_fill='#eceef1'
+grey_line='#d6dae0'
+grey_text='#9aa1ab'
+close_red='#d9453d'
+slide_bg='#e0e0e0'      # the slide show's control panel
+
+font='DejaVu-Sans'
+font_bold='DejaVu-Sans-Bold'
+
+# --- drawing helpers ----------------------------------------------------------------------------
+# Each picture is built in $mvg, then written and converted by `emit`.
+mvg=''
+width=0
+height=0
+
+# begin W H BACKGROUND: a new picture of W by H pixels on a plain background.
+begin() {
+  width=$1 height=$2
+  mvg="viewbox 0 0 $1 $2
+stroke none
+fill '$3'
+rectangle 0,0 $1,$2
+stroke-antialias 1
+text-antialias 1
+"
+}
+
+add() { mvg+="$*"$'\n'; }
+
+# text FONT SIZE COLOUR CX CY TEXT: the text centred on the point CX,CY.
+text() {
+  local dx dy
+  dx=$(awk -v c="$4" -v w="$width" 'BEGIN { printf "%g", c - w / 2 }')
+  dy=$(awk -v c="$5" -v h="$height" 'BEGIN { printf "%g", c - h / 2 }')
+  add "push graphic-context"
+  add "font '$1'"
+  add "font-size $2"
+  add "stroke none"
+  add "fill '$3'"
+  add "gravity Center"
+  add "text $dx,$dy '$6'"
+  add "pop graphic-context"
+}
+
+# text_left FONT SIZE COLOUR X TEXT: the text from X, centred in height.
+text_left() {
+  add "push graphic-context"
+  add "font '$1'"
+  add "font-size $2"
+  add "stroke none"
+  add "fill '$3'"
+  add "gravity West"
+  add "text $4,0 '$5'"
+  add "pop graphic-context"
+}
+
+# glyph NAME X Y GLYPH DETAIL: res/art/glyph-NAME.mvg, a 20 by 20 drawing, placed at X,Y in the
+# colours GLYPH and DETAIL.
+glyph() {
+  add "push graphic-context"
+  add "translate $2,$3"
+  add "$(grep -v '^#' "$art/glyph-$1.mvg" | sed -e "s/GLYPH/'$4'/g" -e "s/DETAIL/'$5'/g")"
+  add "pop graphic-context"
+}
+
+# emit N: writes the picture as mvg/N.mvg, and draws it into N.bmp (the drawing goes on the
+# command line: this ImageMagick's policy refuses to read a drawing from a file with "@").
+emit() {
+  printf '%s' "$mvg" >"$out/mvg/$1.mvg"
+  "$magick" -size "${width}x${height}" xc:white -density 72 -draw "$mvg" \
+    -alpha off -type TrueColor -compress None "BMP3:$out/$1.bmp"
+}
+
+# --- page commands, 184 by 52, on the window ----------------------------------------------------
+# number, state, glyph, caption
+menu_table=(
+  "122 active pelmora Pelmora"
+  "121 hover pelmora Pelmora"
+  "120 off pelmora Pelmora"
+  "119 active filesystem File_System"
+  "118 hover filesystem File_System"
+  "117 off filesystem File_System"
+  "104 active appearance Appearance"
+  "103 hover appearance Appearance"
+  "102 off appearance Appearance"
+  "101 active wallpaper Wallpaper"
+  "128 hover wallpaper Wallpaper"
+  "127 off wallpaper Wallpaper"
+)
+for row in "${menu_table[@]}"; do
+  read -r number state art_name caption <<<"$row"
+  caption="${caption//_/ }"
+  begin 184 52 "$window_bg"
+  case "$state" in
+    active)
+      add "fill '$accent'"
+      add "roundrectangle 0,0 183,51 6,6"
+      glyph "$art_name" 16 16 '#ffffff' "$accent"
+      text_left "$font_bold" 14 '#ffffff' 48 "$caption"
+      # A small chevron: this is the page that is on.
+      add "push graphic-context"
+      add "fill none"
+      add "stroke '#ffffff'"
+      add "stroke-width 2"
+      add "stroke-linecap round"
+      add "stroke-linejoin round"
+      add "polyline 163,20 169,26 163,32"
+      add "pop graphic-context"
+      ;;
+    hover)
+      add "fill '$accent_hover'"
+      add "stroke '$accent'"
+      add "stroke-width 1"
+      add "roundrectangle 0.5,0.5 182.5,50.5 6,6"
+      add "stroke none"
+      glyph "$art_name" 16 16 "$accent" "$accent_hover"
+      text_left "$font_bold" 14 "$accent_text" 48 "$caption"
+      ;;
+    off)
+      add "fill '$page_bg'"
+      add "stroke '$grey_line'"
+      add "stroke-width 1"
+      add "roundrectangle 0.5,0.5 182.5,50.5 6,6"
+      add "stroke none"
+      glyph "$art_name" 16 16 "$grey_text" "$page_bg"
+      text_left "$font_bold" 14 "$text_dark" 48 "$caption"
+      ;;
+  esac
+  emit "$number"
+done
+
+# --- command buttons, 120 by 25, on the command frames -------------------------------------------
+# number, state, caption
+button_table=(
+  "110 normal Change"
+  "109 hover Change"
+  "108 disabled Change"
+  "125 normal Reset"
+  "124 hover Reset"
+  "123 disabled Reset"
+  "114 normal Default"
+  "113 hover Default"
+  "112 disabled Default"
+  "107 normal Apply"
+  "106 hover Apply"
+  "105 disabled Apply"
+  "136 normal Set_as_Wallpaper"
+  "135 hover Set_as_Wallpaper"
+  "134 normal Settings"
+  "140 hover Settings"
+  "138 normal Slide_Show"
+  "137 hover Slide_Show"
+)
+for row in "${button_table[@]}"; do
+  read -r number state caption <<<"$row"
+  caption="${caption//_/ }"
+  begin 120 25 "$page_bg"
+  case "$state" in
+    normal)
+      add "fill '$page_bg'"
+      add "stroke '$accent'"
+      add "stroke-width 1"
+      add "roundrectangle 0.5,0.5 118.5,23.5 4,4"
+      add "stroke none"
+      text "$font_bold" 11 "$accent_text" 60 12.5 "$caption"
+      ;;
+    hover)
+      add "fill '$accent'"
+      add "roundrectangle 0,0 119,24 4,4"
+      text "$font_bold" 11 '#ffffff' 60 12.5 "$caption"
+      ;;
+    disabled)
+      add "fill '$grey_fill'"
+      add "stroke '$grey_line'"
+      add "stroke-width 1"
+      add "roundrectangle 0.5,0.5 118.5,23.5 4,4"
+      add "stroke none"
+      text "$font_bold" 11 "$grey_text" 60 12.5 "$caption"
+      ;;
+  esac
+  emit "$number"
+done
+
+# --- close and minimise, 22 by 22, on the window -------------------------------------------------
+for row in "142 close normal" "143 close hover" "146 min normal" "147 min hover"; do
+  read -r number kind state <<<"$row"
+  begin 22 22 "$window_bg"
+  mark="$text_dark"
+  if [ "$state" = hover ]; then
+    if [ "$kind" = close ]; then add "fill '$close_red'"; else add "fill '$accent'"; fi
+    add "roundrectangle 0,0 21,21 4,4"
+    mark='#ffffff'
+  fi
+  if [ "$kind" = close ]; then
+    add "fill none"
+    add "stroke '$mark'"
+    add "stroke-width 1.8"
+    add "stroke-linecap round"
+    add "line 7,7 15,15"
+    add "line 15,7 7,15"
+  else
+    add "fill '$mark'"
+    add "rectangle 6,13 16,15"
+  fi
+  emit "$number"
+done
+
+# --- the zone strip of the icons page, 456 by 24, on the page ------------------------------------
+# The four zones lie side by side, with plain gaps between them; each picture has one zone on.
+zone_left=(1 113 220 320)
+zone_right=(99 200 313 447)
+zone_caption=("Desktop" "Start Menu" "File Type" "Control Panel")
+zone_picture=(131 133 132 130)
+for on in 0 1 2 3; do
+  begin 456 24 "$page_bg"
+  for zone in 0 1 2 3; do
+    left=${zone_left[$zone]} right=$((${zone_right[$zone]} - 1))
+    centre=$(((left + right + 1) / 2))
+    if [ "$zone" = "$on" ]; then
+      add "fill '$accent'"
+      add "roundrectangle $left,0 $right,23 4,4"
+      text "$font_bold" 11 '#ffffff' "$centre" 12 "${zone_caption[$zone]}"
+    else
+      add "fill '$grey_fill'"
+      add "roundrectangle $left,0 $right,23 4,4"
+      text "$font" 11 "$text_dark" "$centre" 12 "${zone_caption[$zone]}"
+    fi
+  done
+  emit "${zone_picture[$on]}"
+done
+
+# --- slide show buttons, 32 by 32, on its control panel ------------------------------------------
+# previous 151 and 152, finish (leave the slide show) 153 and 154, next 155 and 156.
+for row in "151 previous normal" "152 previous hover" "153 finish normal" "154 finish hover" \
+  "155 next normal" "156 next hover"; do
+  read -r number kind state <<<"$row"
+  begin 32 32 "$slide_bg"
+  if [ "$state" = hover ]; then
+    add "fill '$accent'"
+    add "circle 15.5,15.5 15.5,0.5"
+    mark='#ffffff'
+  else
+    add "fill '$page_bg'"
+    add "stroke '#b4bac3'"
+    add "stroke-width 1"
+    add "circle 15.5,15.5 15.5,1"
+    add "stroke none"
+    mark="$text_dark"
+  fi
+  case "$kind" in
+    previous)
+      add "fill '$mark'"
+      add "rectangle 9,10 11,21"
+      add "polygon 22,10 22,21 12.5,15.5"
+      ;;
+    next)
+      add "fill '$mark'"
+      add "rectangle 20,10 22,21"
+      add "polygon 9,10 9,21 18.5,15.5"
+      ;;
+    finish)
+      add "fill none"
+      add "stroke '$mark'"
+      add "stroke-width 2.4"
+      add "stroke-linecap round"
+      add "line 11,11 20,20"
+      add "line 20,11 11,20"
+      ;;
+  esac
+  emit "$number"
+done
+
+echo "bitmaps: $out"
