@@ -50,11 +50,7 @@ wine_prepare
 display_start || fail_setup "Xvfb could not start"
 
 result="$work/run-modes.txt"
-shot_names="e2e-interactive e2e-interactive-blanks e2e-background e2e-resident-x e2e-load-fails"
-rm -f "$result"
-for name in $shot_names; do
-  rm -f "$shots/$name.bmp" "$shots/$name.png"
-done
+rm -f "$result" "$shots"/e2e-*.bmp "$shots"/e2e-*.png
 result_w="$(winepath -w "$result" 2>/dev/null)"
 shots_w="$(winepath -w "$shots" 2>/dev/null)"
 [ -n "$result_w" ] && [ -n "$shots_w" ] || fail_setup "winepath failed"
@@ -77,11 +73,11 @@ done
 desktop_stop "$desktop" 10
 wait "$wine_pid" 2>/dev/null
 
-for name in $shot_names; do
-  if [ -f "$shots/$name.bmp" ]; then
-    "$magick" "$shots/$name.bmp" "$shots/$name.png" && rm -f "$shots/$name.bmp"
-    echo "screenshot: $shots/$name.png"
-  fi
+for bmp in "$shots"/e2e-*.bmp; do
+  [ -f "$bmp" ] || continue
+  png="${bmp%.bmp}.png"
+  "$magick" "$bmp" "$png" && rm -f "$bmp"
+  echo "screenshot: $png"
 done
 
 summary=""

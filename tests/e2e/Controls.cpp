@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 
 #include "Desktop.h"
 
@@ -160,14 +161,15 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error) {
   return true;
 }
 
-void ClickAt(POINT point) {
-  // Each event carries the point, in the 0 to 65535 units of the whole screen, so the press
-  // lands there whatever the pointer's position was.
+namespace {
+
+// Mouse events at a point of the screen: each carries the point, in the 0 to 65535 units of the
+// whole screen, so it lands there whatever the pointer's position was.
+void SendMouse(POINT point, std::initializer_list<DWORD> flags) {
   const int width = std::max(1, ::GetSystemMetrics(SM_CXSCREEN) - 1);
   const int height = std::max(1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
   const LONG x = static_cast<LONG>((static_cast<long long>(point.x) * 65535 + width / 2) / width);
   const LONG y = static_cast<LONG>((static_cast<long long>(point.y) * 65535 + height / 2) / height);
-  const DWORD flags[] = {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP};
   for (DWORD flag : flags) {
     INPUT input{};
     input.type = INPUT_MOUSE;
@@ -177,6 +179,64 @@ void ClickAt(POINT point) {
     ::SendInput(1, &input, sizeof input);
     ::Sleep(80);
   }
+}
+
+}  // namespace
+
+void ClickAt(POINT point) {
+  SendMouse(point, {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
+}
+
+void MoveTo(POINT point) { SendMouse(point, {MOUSEEVENTF_MOVE}); }
+
+RECT ScreenRect(HWND window) {
+  RECT area{};
+  ::GetWindowRect(window, &area);
+  return area;
+}
+
+bool LoadResourceBitmap(const std::string& path, int number, Picture& picture,
+                        std::string& error) {
+  HMODULE module = ::LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  if (module == nullptr) {
+    error = "LoadLibraryExA of " + path + " failed with system error " +
+            std::to_string(::GetLastError());
+    return false;
+  }
+  HANDLE image = ::LoadImageA(module, MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0,
+                              LR_CREATEDIBSECTION);
+  bool read = false;
+  if (image == nullptr) {
+    error = "no bitmap " + std::to_string(number) + " in " + path;
+  } else {
+    auto* bitmap = static_cast<HBITMAP>(image);
+    BITMAP facts{};
+    ::GetObjectA(bitmap, sizeof facts, &facts);
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = facts.bmWidth;
+    info.bmiHeader.biHeight = -facts.bmHeight;  // top-down
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(facts.bmWidth) *
+                                      static_cast<std::size_t>(std::max(0L, facts.bmHeight)));
+    HDC screen = ::GetDC(nullptr);
+    read = !pixels.empty() && ::GetDIBits(screen, bitmap, 0, static_cast<UINT>(facts.bmHeight),
+                                          pixels.data(), &info, DIB_RGB_COLORS) == facts.bmHeight;
+    ::ReleaseDC(nullptr, screen);
+    ::DeleteObject(bitmap);
+    if (read) {
+      for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
+      picture.width = facts.bmWidth;
+      picture.height = facts.bmHeight;
+      picture.pixels = std::move(pixels);
+    } else {
+      error = "bitmap " + std::to_string(number) + " of " + path + " could not be read";
+    }
+  }
+  ::FreeLibrary(module);
+  return read;
 }
 
 bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::string& error) {

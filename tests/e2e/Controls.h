@@ -43,6 +43,24 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error);
 // A click of the left button at a point of the screen, as the user makes it.
 void ClickAt(POINT point);
 
+// Moves the pointer to a point of the screen, as the user does, with no button pressed.
+void MoveTo(POINT point);
+
+// The screen rectangle of a window.
+RECT ScreenRect(HWND window);
+
+// A picture: its size and its pixels (0x00RRGGBB), row by row from the top.
+struct Picture {
+  int width = 0;
+  int height = 0;
+  std::vector<std::uint32_t> pixels;
+};
+
+// The bitmap resource `number` of the program file `path`, read as data, not run. False, with
+// `error`, when the file can't be opened or holds no such bitmap.
+bool LoadResourceBitmap(const std::string& path, int number, Picture& picture,
+                        std::string& error);
+
 // The pixels (0x00RRGGBB) of a rectangle of the screen, row by row from the top. False, with
 // `error`, when the screen can't be read.
 bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::string& error);

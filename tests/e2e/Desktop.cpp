@@ -198,4 +198,15 @@ std::string OwnFolder() {
   return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
 }
 
+bool TakesItselfForVista() {
+  OSVERSIONINFOA version{};
+  version.dwOSVersionInfoSize = sizeof version;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+  const BOOL known = ::GetVersionExA(&version);
+#pragma GCC diagnostic pop
+  return known != 0 && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
+         version.dwMajorVersion == 6;
+}
+
 }  // namespace quorvane::e2e

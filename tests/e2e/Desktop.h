@@ -51,6 +51,10 @@ std::string TextOf(HWND window);
 // Writes what the screen shows into a 24-bit BMP file. False, with `error`, on failure.
 bool SaveScreen(const std::string& path, std::string& error);
 
+// Whether the system is of the 6.x NT line, which the program takes for "Windows Vista" (Wine's
+// default).
+bool TakesItselfForVista();
+
 // The folder of this program, with a trailing backslash.
 std::string OwnFolder();
 

@@ -28,6 +28,8 @@
 
 #include "Controls.h"
 #include "Desktop.h"
+#include "Navigation.h"
+#include "Verdict.h"
 
 namespace {
 
@@ -76,55 +78,9 @@ class ResultFile {
   std::FILE* file_;
 };
 
-bool WaitUntil(DWORD milliseconds, const std::function<bool()>& condition) {
-  const ULONGLONG deadline = ::GetTickCount64() + milliseconds;
-  for (;;) {
-    if (condition()) return true;
-    if (::GetTickCount64() >= deadline) return false;
-    ::Sleep(100);
-  }
-}
-
-// One case: every failed check is kept with its reason.
-class Verdict {
- public:
-  bool Check(bool condition, const std::string& failure) {
-    if (!condition) failures_.push_back(failure);
-    return condition;
-  }
-  void Note(const std::string& note) { notes_.push_back(note); }
-  bool Passed() const { return failures_.empty(); }
-  std::string Summary() const {
-    std::string text;
-    for (const std::string& part : Passed() ? notes_ : failures_) {
-      text += (text.empty() ? "" : "; ") + part;
-    }
-    return text;
-  }
-
- private:
-  std::vector<std::string> failures_;
-  std::vector<std::string> notes_;
-};
-
-std::string Describe(const RECT& r) {
-  return std::to_string(r.left) + "," + std::to_string(r.top) + " " +
-         std::to_string(r.right - r.left) + "x" + std::to_string(r.bottom - r.top);
-}
-
 // The catalogue tree of the desktop has five nodes on a 6.x system of the NT line, where the
 // program takes itself for "Windows Vista", and six on any other.
-int DesktopNodesExpected() {
-  OSVERSIONINFOA version{};
-  version.dwOSVersionInfoSize = sizeof version;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-  const BOOL known = ::GetVersionExA(&version);
-#pragma GCC diagnostic pop
-  const bool vista = known != 0 && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
-                     version.dwMajorVersion == 6;
-  return vista ? 5 : 6;
-}
+int DesktopNodesExpected() { return TakesItselfForVista() ? 5 : 6; }
 
 std::string DataFolder() {
   char appData[MAX_PATH] = {};
@@ -567,6 +523,8 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
     report(runCase.name, RunCase(runCase, program, screenshotFolder));
   }
   report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
+  // The window driven by the pointer: pages, zones, hover pictures.
+  RunNavigation(program, screenshotFolder, report);
   // The row of "My Computer" splits its icon's location before mending it: with no value at all
   // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();

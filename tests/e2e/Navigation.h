@@ -1,0 +1,21 @@
+#pragma once
+// The main window driven as a person drives it: its pages chosen with the page commands, the
+// catalogue trees chosen by the zones of the zone strip, and the pictures of the command buttons
+// under the pointer. Each case checks what the real window shows and keeps a screenshot.
+#include <functional>
+#include <string>
+
+#include "Verdict.h"
+
+namespace quorvane::e2e {
+
+// Receives each case's name and verdict, in order.
+using Report = std::function<void(const std::string& name, const Verdict& verdict)>;
+
+// Starts `program` (quorvane.exe) with an empty command line, runs the page, zone and hover
+// cases on its window, saves screenshots as e2e-page-<n>.bmp, e2e-zone-<name>.bmp and
+// e2e-hover.bmp in `screenshotFolder`, and ends it through "Quorvane.Exit".
+void RunNavigation(const std::string& program, const std::string& screenshotFolder,
+                   const Report& report);
+
+}  // namespace quorvane::e2e
