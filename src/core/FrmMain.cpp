@@ -100,6 +100,9 @@ FrmMain::FrmMain() {
   Place(CmdReset, 1950, 0, 1800, 375, &FrameCommands);
   Place(CmdDefault, 3900, 0, 1800, 375, &FrameCommands);
   Place(CmdApply, 5850, 0, 1800, 375, &FrameCommands);
+  Place(CmdSetAsWallpaper, 0, 0, 1800, 375, &FrameWallpaper);
+  Place(CmdSettings, 1950, 0, 1800, 375, &FrameWallpaper);
+  Place(CmdSlideShow, 3900, 0, 1800, 375, &FrameWallpaper);
 
   Place(CmdWindow, 120, 15, 6840, 360, &PBPelmoraMain);
   for (ui::TreeView* tree : {&TvDesktop, &TvStartMenu, &TvExplore, &TvFileType, &TvControlPanel}) {
