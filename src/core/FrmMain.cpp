@@ -93,9 +93,9 @@ FrmMain::FrmMain() {
   Place(PicClose, 10740, 120, 330, 330);
   Place(imgTop[0], 8700, 120, 480, 480);
   Place(imgTop[1], 9300, 120, 480, 480);
-  Place(LblCommandName, 3240, 900, 7000, 420);
-  Place(LblCommandDesc, 3240, 1320, 7000, 300);
-  Place(LblDescribtion, 3240, 1620, 7600, 400);
+  Place(LblCommandName, 3240, 600, 7000, 300);
+  Place(LblCommandDesc, 3240, 900, 7000, 300);
+  Place(LblDescribtion, 3240, 1230, 7600, 780);
   Place(CmdChange, 0, 0, 1800, 375, &FrameCommands);
   Place(CmdReset, 1950, 0, 1800, 375, &FrameCommands);
   Place(CmdDefault, 3900, 0, 1800, 375, &FrameCommands);
