@@ -226,3 +226,42 @@ TEST_F(NavigationTest, TheCaptionBesideTheShortcutBoxFlipsIt) {
 
 }  // namespace
 }  // namespace quorvane
+
+namespace quorvane {
+namespace {
+
+// The zone strip counts only moves strictly inside 15 and 340, and zones with both ends open.
+TEST_F(NavigationTest, ZoneBoundsAreOpenAtBothEnds) {
+  const auto clickAt = [&](float x, float y) {
+    form_.LblIconCat.Caption("none");
+    form_.CmdWindow.MouseMove(0, 0, x, y);
+    form_.CmdWindow.Click();
+    return form_.LblIconCat.Caption();
+  };
+  EXPECT_EQ(clickAt(100, 15), "none");
+  EXPECT_EQ(clickAt(100, 16), "Desktop");
+  EXPECT_EQ(clickAt(100, 339), "Desktop");
+  EXPECT_EQ(clickAt(100, 340), "none");
+  EXPECT_EQ(clickAt(15, 100), "none");
+  EXPECT_EQ(clickAt(16, 100), "Desktop");
+  EXPECT_EQ(clickAt(1484, 100), "Desktop");
+  EXPECT_EQ(clickAt(1485, 100), "none");
+  EXPECT_EQ(clickAt(1600, 100), "none");
+  EXPECT_EQ(clickAt(1701, 100), "Start Menu");
+  EXPECT_EQ(clickAt(3301, 100), "File Type");
+  EXPECT_EQ(clickAt(6699, 100), "Control Panel");
+  EXPECT_EQ(clickAt(6700, 100), "none");
+  // A click in a gap hides every tree and leaves the strip's picture as it was.
+  clickAt(2000, 100);
+  const std::int32_t picture = NumberOf(form_.CmdWindow);
+  clickAt(1600, 100);
+  EXPECT_EQ(NumberOf(form_.CmdWindow), picture);
+  for (const ui::TreeView* tree : {&form_.TvDesktop, &form_.TvStartMenu, &form_.TvExplore,
+                                   &form_.TvFileType, &form_.TvControlPanel}) {
+    EXPECT_FALSE(tree->Visible()) << tree->Name();
+  }
+  EXPECT_EQ(picture, 133);
+}
+
+}  // namespace
+}  // namespace quorvane
