@@ -5,7 +5,8 @@
 //
 //   e2e_driver run-modes <result file> <screenshot folder>
 //       Starts quorvane.exe once per run-mode case, checks it, ends it through the registered
-//       message "Quorvane.Exit", then checks what a run leaves behind, and writes one line per
+//       message "Quorvane.Exit", then checks what a run leaves behind, then drives one more run
+//       with the pointer (pages, zones, hover pictures: Navigation.cpp), and writes one line per
 //       case to the result file, then "N passed, M failed".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.

@@ -324,7 +324,9 @@ class Session {
       }
       return shown;
     };
-    verdict.Check(WaitUntil(kChangeTimeout, [&] { return visibleTrees() == expected; }),
+    // Each condition is settled before its message is made of what it saw.
+    const bool treesRight = WaitUntil(kChangeTimeout, [&] { return visibleTrees() == expected; });
+    verdict.Check(treesRight,
                   "the trees shown are \"" + shown + "\", not \"" + expected + "\" " + where);
     verdict.Check(!Visible("TvExplore"), "TvExplore is shown");
     if (!expected.empty()) {
@@ -335,12 +337,14 @@ class Session {
                                                       std::to_string(zone.nodesOnVista));
       }
       std::string seen;
-      verdict.Check(WaitUntil(kChangeTimeout, [&] { return LabelShows(caption, zone.caption, seen); }),
-                    std::string("LblIconCat does not show \"") + zone.caption + "\": " + seen);
+      const bool captionRight =
+          WaitUntil(kChangeTimeout, [&] { return LabelShows(caption, zone.caption, seen); });
+      verdict.Check(captionRight, std::string("LblIconCat does not show \"") + zone.caption + "\": " + seen);
       const Picture* bitmap = bitmaps_.Get(zone.picture, error);
       if (bitmap != nullptr) {
-        verdict.Check(WaitUntil(kChangeTimeout, [&] { return Shows(strip, *bitmap, seen); }),
-                      "CmdWindow does not show bitmap " + std::to_string(zone.picture) + ": " +
+        const bool pictureRight =
+            WaitUntil(kChangeTimeout, [&] { return Shows(strip, *bitmap, seen); });
+        verdict.Check(pictureRight, "CmdWindow does not show bitmap " + std::to_string(zone.picture) + ": " +
                           seen);
       } else {
         verdict.Note("the strip's picture not compared: " + error);
@@ -387,17 +391,18 @@ class Session {
     verdict.Check(Mismatches(*applyHover, *applyNormal) > 0 &&
                       Mismatches(*defaultHover, *defaultNormal) > 0,
                   "the hover bitmaps 106 and 113 equal the normal ones 107 and 114");
+    // Each condition is settled before its message is made of what it saw.
     std::string seen;
-    verdict.Check(Shows(apply, *applyNormal, seen),
-                  "before the pointer comes, CmdApply does not show 107: " + seen);
+    bool right = Shows(apply, *applyNormal, seen);
+    verdict.Check(right, "before the pointer comes, CmdApply does not show 107: " + seen);
     MoveTo(Centre(ScreenRect(apply)));
-    verdict.Check(WaitUntil(kChangeTimeout, [&] { return Shows(apply, *applyHover, seen); }),
-                  "under the pointer CmdApply does not show 106: " + seen);
+    right = WaitUntil(kChangeTimeout, [&] { return Shows(apply, *applyHover, seen); });
+    verdict.Check(right, "under the pointer CmdApply does not show 106: " + seen);
     MoveTo(Centre(ScreenRect(defaults)));
-    verdict.Check(WaitUntil(kChangeTimeout, [&] { return Shows(defaults, *defaultHover, seen); }),
-                  "under the pointer CmdDefault does not show 113: " + seen);
-    verdict.Check(Shows(apply, *applyNormal, seen),
-                  "with the pointer on CmdDefault, CmdApply does not show 107: " + seen);
+    right = WaitUntil(kChangeTimeout, [&] { return Shows(defaults, *defaultHover, seen); });
+    verdict.Check(right, "under the pointer CmdDefault does not show 113: " + seen);
+    right = Shows(apply, *applyNormal, seen);
+    verdict.Check(right, "with the pointer on CmdDefault, CmdApply does not show 107: " + seen);
     SaveShot(verdict, shots_, "e2e-hover");
     verdict.Note("CmdApply 106 under the pointer; then CmdDefault 113 and CmdApply 107");
     return verdict;
@@ -450,7 +455,7 @@ void RunNavigation(const std::string& program, const std::string& screenshotFold
   }
   for (const Zone& zone : kZones) {
     report(std::string("zone ") + (*zone.tree != '\0' ? "\"" + std::string(zone.caption) + "\""
-                                                       : std::string("gap at x 1600")),
+                                                       : "gap at x " + std::to_string(zone.x)),
            session.ZoneCase(zone));
   }
   report("hover CmdApply, then CmdDefault", session.HoverCase());
