@@ -6,6 +6,8 @@
 #   bash scripts/bench.sh resample   cDIBSection::Resample, natively
 #   bash scripts/bench.sh startup    quorvane.exe to its main window shown, against a minimal
 #                                    window program, under Wine in a virtual desktop on Xvfb
+#   bash scripts/bench.sh switch     quorvane.exe's page and zone switches, click to the window
+#                                    repainted, under Wine in a virtual desktop on Xvfb
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -87,10 +89,49 @@ bench_startup() {
   fi
 }
 
+bench_switch() {
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" --target quorvane win_switch >/dev/null
+  source scripts/wine-env.sh
+  source scripts/display.sh
+  local own_server=0
+  wineserver_running || own_server=1
+  local dir="$root/build/bench"
+  local desktop="QuorvaneSwitch$$"
+  local result="$dir/switch.txt"
+  mkdir -p "$dir"
+  rm -f "$result"
+  wine_prepare
+  display_start || exit 1
+  echo "== page and zone switches of quorvane.exe: a real click to the main window repainted;"
+  echo "   $runs rounds of 2 page and 4 zone clicks, Wine desktop on Xvfb $DISPLAY"
+  # The timing program starts quorvane.exe inside the virtual desktop, clicks, and writes its
+  # figures to a file.
+  wine explorer "/desktop=$desktop,1280x800" build/windows/win_switch.exe "$runs" \
+    "$(winepath -w "$result")" >"$dir/switch-wine.log" 2>&1 </dev/null &
+  local wine_pid=$! i
+  for i in $(seq 1 $(( runs * 300 + 900 ))); do
+    if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
+    if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then break; fi
+    sleep 0.1
+  done
+  desktop_stop "$desktop" 10
+  wait "$wine_pid" 2>/dev/null
+  display_stop
+  if [ "$own_server" = 1 ]; then wine_finish; fi
+  if [ -f "$result" ]; then
+    tr -d '\r' <"$result" | grep -v '^done$'
+  else
+    echo "switch: no figures (see $dir/switch-wine.log)" >&2
+    return 1
+  fi
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
   startup) bench_startup ;;
-  all) bench_resample; bench_import; bench_startup ;;
+  switch) bench_switch ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac
