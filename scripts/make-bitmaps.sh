@@ -303,4 +303,30 @@ for row in "151 previous normal" "152 previous hover" "153 finish normal" "154 f
   emit "$number"
 done
 
+# --- the top icons, About and Help, 32 by 32, on the window ------------------------------------
+# The window's design pictures of its top row: at rest (160 About, 162 Help) and highlighted
+# under the mouse (161, 163).
+for row in "160 about rest" "161 about lit" "162 help rest" "163 help lit"; do
+  read -r number kind state <<<"$row"
+  begin 32 32 "$window_bg"
+  if [ "$state" = lit ]; then
+    add "fill '$accent'"
+    add "circle 15.5,15.5 15.5,1"
+    mark='#ffffff'
+  else
+    add "fill '$page_bg'"
+    add "stroke '$grey_line'"
+    add "stroke-width 1"
+    add "circle 15.5,15.5 15.5,1.5"
+    add "stroke none"
+    mark="$accent_text"
+  fi
+  if [ "$kind" = about ]; then
+    text "$font_bold" 17 "$mark" 16 16 "i"
+  else
+    text "$font_bold" 17 "$mark" 16 16 "?"
+  fi
+  emit "$number"
+done
+
 echo "bitmaps: $out"

@@ -8,6 +8,7 @@
 #include "app/MainWindow.h"
 #include "app/Services.h"
 #include "app/StartupBenchmark.h"
+#include "app/DesignPictures.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/MessageBoxes.h"
@@ -24,6 +25,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLi
 #endif
   FrmMain frmMain;
   MainWindowScope installedWindow(frmMain);
+  app::LoadDesignPictures(frmMain);
   app::MainWindow mainWindow(instance, frmMain);
   platform::ScopedService<core::MainForm> installedForm(mainWindow);
   try {
