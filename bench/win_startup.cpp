@@ -13,6 +13,8 @@
 // standard output its caller can read), else to the standard output.
 #include <windows.h>
 
+#include "WinTiming.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -21,6 +23,11 @@
 
 namespace {
 
+using quorvane::bench::Mean;
+using quorvane::bench::Median;
+using quorvane::bench::Now;
+using quorvane::bench::OwnFolder;
+
 struct Program {
   std::string label;
   std::string path;
@@ -28,25 +35,6 @@ struct Program {
   std::vector<double> loadMs;
   std::string lastReport;
 };
-
-double Now() {
-  static LARGE_INTEGER frequency = [] {
-    LARGE_INTEGER f{};
-    ::QueryPerformanceFrequency(&f);
-    return f;
-  }();
-  LARGE_INTEGER counter{};
-  ::QueryPerformanceCounter(&counter);
-  return static_cast<double>(counter.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
-}
-
-std::string OwnFolder() {
-  char path[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
-  std::string folder(path, length);
-  const std::size_t slash = folder.find_last_of("\\/");
-  return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
-}
 
 // One start: the milliseconds from just before CreateProcess to the "shown" event, or a
 // negative value when the program did not signal within a minute. What it wrote goes to `output`.
@@ -98,19 +86,6 @@ double StartOnce(const std::string& program, const std::string& eventName, std::
   ::CloseHandle(readEnd);
   ::CloseHandle(shown);
   return elapsed;
-}
-
-double Median(std::vector<double> values) {
-  if (values.empty()) return 0.0;
-  std::sort(values.begin(), values.end());
-  const std::size_t middle = values.size() / 2;
-  return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2.0;
-}
-
-double Mean(const std::vector<double>& values) {
-  double sum = 0.0;
-  for (double v : values) sum += v;
-  return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
 }
 
 void Print(std::FILE* out, const Program& program) {

@@ -35,6 +35,8 @@
 // looks, so each figure may be late by about one poll step (the step measured is printed too).
 #include <windows.h>
 
+#include "WinTiming.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -44,31 +46,17 @@
 
 namespace {
 
+using quorvane::bench::Mean;
+using quorvane::bench::Median;
+using quorvane::bench::Now;
+using quorvane::bench::OwnFolder;
+
 const char kClass[] = "QuorvaneMain";
 const char kText[] = "Quorvane";
 constexpr int kTwipsPerPixel = 15;
 constexpr int kZoneY = 180;
 constexpr DWORD kAppearTimeout = 60000;
 constexpr double kSwitchTimeoutMs = 5000.0;
-
-double Now() {
-  static LARGE_INTEGER frequency = [] {
-    LARGE_INTEGER f{};
-    ::QueryPerformanceFrequency(&f);
-    return f;
-  }();
-  LARGE_INTEGER counter{};
-  ::QueryPerformanceCounter(&counter);
-  return static_cast<double>(counter.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
-}
-
-std::string OwnFolder() {
-  char path[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
-  std::string folder(path, length);
-  const std::size_t slash = folder.find_last_of("\\/");
-  return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
-}
 
 struct WindowSearch {
   DWORD processId;
@@ -189,13 +177,6 @@ struct Times {
   std::vector<double> painted;
   int failed = 0;
 };
-
-double Median(std::vector<double> values) {
-  if (values.empty()) return 0.0;
-  std::sort(values.begin(), values.end());
-  const std::size_t middle = values.size() / 2;
-  return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2.0;
-}
 
 void Print(std::FILE* out, const char* label, const Times& times) {
   if (times.painted.empty()) {

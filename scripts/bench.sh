@@ -51,28 +51,26 @@ bench_resample() {
   build/native-release/bench_resample
 }
 
-bench_startup() {
-  cmake --preset windows >/dev/null
-  cmake --build --preset windows -j "$(nproc)" \
-    --target quorvane_startup win_minimal_window win_startup >/dev/null
+# run_in_desktop NAME PROGRAM STEPS: runs a Windows timing program of build/windows inside a Wine
+# virtual desktop on Xvfb, as `PROGRAM RUNS RESULTFILE`, waits up to STEPS tenths of a second for
+# the "done" line of its result file, stops everything it started, and prints the figures.
+run_in_desktop() {
+  local name="$1" program="$2" steps="$3"
   source scripts/wine-env.sh
   source scripts/display.sh
   local own_server=0
   wineserver_running || own_server=1
   local dir="$root/build/bench"
   local desktop="QuorvaneBench$$"
-  local result="$dir/startup.txt"
+  local result="$dir/$name.txt"
   mkdir -p "$dir"
   rm -f "$result"
   wine_prepare
   display_start || exit 1
-  echo "== start-up: process start to the main window shown (rows read, trees filled), against"
-  echo "   a program that only opens one window; $runs runs each, Wine desktop on Xvfb $DISPLAY"
-  # The timing program starts both inside the virtual desktop and writes its figures to a file.
-  wine explorer "/desktop=$desktop,1280x800" build/windows/win_startup.exe "$runs" \
-    "$(winepath -w "$result")" >"$dir/startup-wine.log" 2>&1 </dev/null &
+  wine explorer "/desktop=$desktop,1280x800" "build/windows/$program" "$runs" \
+    "$(winepath -w "$result")" >"$dir/$name-wine.log" 2>&1 </dev/null &
   local wine_pid=$! i
-  for i in $(seq 1 $(( runs * 60 + 600 ))); do
+  for i in $(seq 1 "$steps"); do
     if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
     if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then break; fi
     sleep 0.1
@@ -84,47 +82,29 @@ bench_startup() {
   if [ -f "$result" ]; then
     tr -d '\r' <"$result" | grep -v '^done$'
   else
-    echo "startup: no figures (see $dir/startup-wine.log)" >&2
+    echo "$name: no figures (see $dir/$name-wine.log)" >&2
     return 1
   fi
+}
+
+bench_startup() {
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" \
+    --target quorvane_startup win_minimal_window win_startup >/dev/null
+  echo "== start-up: process start to the main window shown (rows read, trees filled), against"
+  echo "   a program that only opens one window; $runs runs each, Wine desktop on Xvfb"
+  # The timing program starts both inside the virtual desktop and writes its figures to a file.
+  run_in_desktop startup win_startup.exe $(( runs * 60 + 600 ))
 }
 
 bench_switch() {
   cmake --preset windows >/dev/null
   cmake --build --preset windows -j "$(nproc)" --target quorvane win_switch >/dev/null
-  source scripts/wine-env.sh
-  source scripts/display.sh
-  local own_server=0
-  wineserver_running || own_server=1
-  local dir="$root/build/bench"
-  local desktop="QuorvaneSwitch$$"
-  local result="$dir/switch.txt"
-  mkdir -p "$dir"
-  rm -f "$result"
-  wine_prepare
-  display_start || exit 1
   echo "== page and zone switches of quorvane.exe: a real click to the main window repainted;"
-  echo "   $runs rounds of 2 page and 4 zone clicks, Wine desktop on Xvfb $DISPLAY"
+  echo "   $runs rounds of 2 page and 4 zone clicks, Wine desktop on Xvfb"
   # The timing program starts quorvane.exe inside the virtual desktop, clicks, and writes its
   # figures to a file.
-  wine explorer "/desktop=$desktop,1280x800" build/windows/win_switch.exe "$runs" \
-    "$(winepath -w "$result")" >"$dir/switch-wine.log" 2>&1 </dev/null &
-  local wine_pid=$! i
-  for i in $(seq 1 $(( runs * 300 + 900 ))); do
-    if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
-    if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then break; fi
-    sleep 0.1
-  done
-  desktop_stop "$desktop" 10
-  wait "$wine_pid" 2>/dev/null
-  display_stop
-  if [ "$own_server" = 1 ]; then wine_finish; fi
-  if [ -f "$result" ]; then
-    tr -d '\r' <"$result" | grep -v '^done$'
-  else
-    echo "switch: no figures (see $dir/switch-wine.log)" >&2
-    return 1
-  fi
+  run_in_desktop switch win_switch.exe $(( runs * 300 + 900 ))
 }
 
 case "$what" in
