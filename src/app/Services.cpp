@@ -14,6 +14,7 @@
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
+#include "platform/win32/Win32ShellRequests.h"
 #include "platform/win32/Win32WindowActions.h"
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
@@ -48,6 +49,7 @@ void InstallWin32Services() {
   InstallForGood<platform::Tray, platform::win32::Win32Tray>();
   InstallForGood<platform::Notification, platform::win32::Win32Notification>();
   InstallForGood<platform::Application, platform::win32::Win32Application>();
+  InstallForGood<platform::ShellRequests, platform::win32::Win32ShellRequests>();
 }
 
 }  // namespace quorvane::app

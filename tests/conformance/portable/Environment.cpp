@@ -21,6 +21,7 @@
 #include "platform/portable/PortableResourcePictures.h"
 #include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableTray.h"
+#include "platform/portable/RecordingShellRequests.h"
 
 namespace quorvane::testing {
 
@@ -45,6 +46,7 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
     platform::Install<platform::Tray>(&tray_);
+    platform::Install<platform::ShellRequests>(&shell_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -63,6 +65,7 @@ class PortableEnvironment : public ::testing::Environment {
   platform::PortableResourcePictures pictures_;
   platform::portable::PortableSystemInfo system_;
   platform::portable::PortableTray tray_;
+  platform::portable::RecordingShellRequests shell_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

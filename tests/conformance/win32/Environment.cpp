@@ -19,6 +19,7 @@
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32ResourcePictures.h"
+#include "platform/win32/Win32ShellRequests.h"
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
 
@@ -46,6 +47,7 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
     platform::Install<platform::Tray>(&tray_);
+    platform::Install<platform::ShellRequests>(&shell_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -64,6 +66,7 @@ class Win32Environment : public ::testing::Environment {
   platform::Win32ResourcePictures pictures_;
   platform::win32::Win32SystemInfo system_;
   platform::win32::Win32Tray tray_;
+  platform::win32::Win32ShellRequests shell_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =
