@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Draws the bitmap resources of quorvane.exe: the pictures of the page commands, the command
 # buttons, the wallpaper page's buttons, the close and minimise pictures, the zone strip of the
-# icons page and the slide show's buttons.
+# icons page, the slide show's buttons, and the window's design pictures (its background, the top
+# icons, the folder tree's root picture and the notification picture).
 #
 #   scripts/make-bitmaps.sh OUTDIR
 #
@@ -328,5 +329,66 @@ for row in "160 about rest" "161 about lit" "162 help rest" "163 help lit"; do
   fi
   emit "$number"
 done
+
+# --- the program's mark, drawn into the window's background and the notification picture -------
+# mark X Y SIZE: a rounded accent tile with a white ring and a short stroke, the letter of the
+# name reduced to two lines.
+mark() {
+  local x=$1 y=$2 s=$3
+  add "push graphic-context"
+  add "translate $x,$y"
+  local k
+  k=$(awk -v s="$s" 'BEGIN { printf "%g", s / 40 }')
+  add "scale $k,$k"
+  add "fill '$accent'"
+  add "roundrectangle 0,0 39,39 9,9"
+  add "fill none"
+  add "stroke '#ffffff'"
+  add "stroke-width 4"
+  add "circle 19.5,18.5 19.5,8.5"
+  add "stroke-linecap round"
+  add "line 24,24 31,31"
+  add "pop graphic-context"
+}
+
+# --- the window's background, 750 by 570: the form's own picture ------------------------------
+# The plain window colour with a hairline frame (the window has no border of its own), the mark
+# and the name at the top left above the page commands, and a divider between them and the pages.
+begin 750 570 "$window_bg"
+add "fill none"
+add "stroke '#c3c8d0'"
+add "stroke-width 1"
+add "rectangle 0.5,0.5 749.5,569.5"
+add "stroke '$grey_line'"
+add "line 207.5,136 207.5,520"
+add "stroke none"
+mark 16 34 40
+add "push graphic-context"
+add "font '$font_bold'"
+add "font-size 19"
+add "fill '$text_dark'"
+add "text 66,52 'Quorvane'"
+add "font '$font'"
+add "font-size 10"
+add "fill '$grey_text'"
+add "text 67,68 'Icons and wallpapers'"
+add "pop graphic-context"
+emit 170
+
+# --- Image2, 16 by 16: the root of the folder tree, a small screen on the tree's white ----------
+begin 16 16 "$page_bg"
+add "fill '$accent'"
+add "roundrectangle 1,2 14,11 1.5,1.5"
+add "fill '#ffffff'"
+add "rectangle 2.5,3.5 12.5,9.5"
+add "fill '$accent'"
+add "rectangle 6,12 9,13"
+add "rectangle 4,13.5 11,14.5"
+emit 171
+
+# --- the notification picture, 48 by 48: the mark on the page colour ---------------------------
+begin 48 48 "$page_bg"
+mark 4 4 40
+emit 172
 
 echo "bitmaps: $out"

@@ -14,6 +14,10 @@ void LoadDesignPictures(FrmMain& form) {
   form.imgTopRow[0].Picture(pictures.LoadResPicture(161));
   form.imgTopRowHover[1].Picture(pictures.LoadResPicture(162));
   form.imgTopRow[1].Picture(pictures.LoadResPicture(163));
+  // The window's background, the folder tree's root picture and the notification's picture.
+  form.Picture = pictures.LoadResPicture(170);
+  form.Image2.Picture(pictures.LoadResPicture(171));
+  form.ImgPopupWindows.Picture(pictures.LoadResPicture(172));
 }
 
 }  // namespace quorvane::app

@@ -40,16 +40,22 @@ FrmMain::FrmMain() {
            &TxtHorizontal, &TxtVertical, &ChkShowShortCut, &LblAppearanceMsg, &LblStatus, &Label8,
            &Label9, &Label12, &Label14, &Label17, &PBDesktop, &ImgMyComputer, &ImgMyDocuments,
            &ImgRecycleBin, &LblMyComputer, &LblMyDocuments, &LblRecycleBin, &TvCollections,
-           &Label13, &PicPopup, &ImgPopupWindows}) {
+           &Label13, &PicPopup, &ImgPopupWindows, &Image2}) {
     controls_.push_back(c);
   }
   for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
     controls_.push_back(&CmdWallpaperControl[i]);
   }
 
-  // Design-time captions.
+  // Design-time captions. The page's title stands out: larger, bold and dark; its subtitle
+  // takes the accent colour of the pictures.
   LblCommandName.Caption("Pelmora");
+  LblCommandName.FontSize(14);
+  LblCommandName.FontBold(true);
+  LblCommandName.ForeColor(0x52463F);
   LblCommandDesc.Caption("Change Icons with few clicks");
+  LblCommandDesc.FontSize(9);
+  LblCommandDesc.ForeColor(0x914F1D);
   Label33.Caption("About");
   Label30.Caption("Help");
   Label4.Caption("Objects");
@@ -93,7 +99,7 @@ FrmMain::FrmMain() {
   Place(PicClose, 10740, 120, 330, 330);
   Place(imgTop[0], 8700, 120, 480, 480);
   Place(imgTop[1], 9300, 120, 480, 480);
-  Place(LblCommandName, 3240, 600, 7000, 300);
+  Place(LblCommandName, 3240, 450, 5300, 435);
   Place(LblCommandDesc, 3240, 900, 7000, 300);
   Place(LblDescribtion, 3240, 1230, 7600, 780);
   Place(CmdChange, 0, 0, 1800, 375, &FrameCommands);
@@ -125,7 +131,8 @@ FrmMain::FrmMain() {
   Place(Slider, 120, 120, 3000, 450, &Picture1);
   Place(TxtHorizontal, 120, 1320, 1200, 330, &PBAppearance);
   Place(TxtVertical, 1440, 1320, 1200, 330, &PBAppearance);
-  Place(ChkShowShortCut, 120, 1800, 300, 300, &PBAppearance);
+  // Only the box: Label14 beside it carries the caption.
+  Place(ChkShowShortCut, 120, 1800, 210, 300, &PBAppearance);
   Place(Label14, 480, 1800, 3000, 300, &PBAppearance);
   Place(LblAppearanceMsg, 120, 2280, 7000, 300, &PBAppearance);
   Place(PBDesktop, 4440, 120, 3000, 3000, &PBAppearance);
@@ -184,6 +191,7 @@ FrmMain::FrmMain() {
   // Surfaces that only serve as targets or stores.
   PicPopup.Visible(false);
   ImgPopupWindows.Visible(false);
+  Image2.Visible(false);
   for (std::size_t i = 0; i < 2; ++i) {
     imgTopRow[i].Visible(false);
     imgTopRowHover[i].Visible(false);

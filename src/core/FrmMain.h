@@ -38,6 +38,8 @@ class FrmMain {
   std::int32_t Width = 11250;   // twips
   std::int32_t Height = 8550;
   bool Visible = false;
+  // The picture the window draws behind its controls; empty, the window is plain.
+  ui::Pixels Picture;
   // The real window and the window's own icon, once a binding made them; 0 headless.
   std::uint32_t hWnd = 0;
   std::uint32_t Icon = 0;
@@ -119,6 +121,10 @@ class FrmMain {
   // --- the tray -------------------------------------------------------------------------------
   ui::PictureBox PicPopup{"PicPopup"};
   ui::PictureBox ImgPopupWindows{"ImgPopupWindows"};
+
+  // --- stores of design pictures ----------------------------------------------------------------
+  // The small picture at the root of the folder tree.
+  ui::PictureBox Image2{"Image2"};
 
   // --- members --------------------------------------------------------------------------------
   std::array<IconRecord, kIconRecordCount> IconRecords;

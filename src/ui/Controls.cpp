@@ -60,6 +60,16 @@ void Label::FontUnderline(bool value) {
   Notify(Property::Caption);
 }
 
+void Label::FontSize(std::int16_t points) {
+  fontSize_ = points;
+  Notify(Property::Caption);
+}
+
+void Label::FontBold(bool value) {
+  bold_ = value;
+  Notify(Property::Caption);
+}
+
 void CheckBox::Caption(const std::string& value) {
   caption_ = value;
   Notify(Property::Caption);

@@ -109,11 +109,18 @@ class Label : public Control {
   void ForeColor(std::uint32_t value);
   bool FontUnderline() const { return underline_; }
   void FontUnderline(bool value);
+  // The design's type: every caption is "Verdana", 8 points unless the design says more.
+  std::int16_t FontSize() const { return fontSize_; }
+  void FontSize(std::int16_t points);
+  bool FontBold() const { return bold_; }
+  void FontBold(bool value);
 
  private:
   std::string caption_;
   std::uint32_t foreColor_ = 0;
   bool underline_ = false;
+  std::int16_t fontSize_ = 8;
+  bool bold_ = false;
 };
 
 class CheckBox : public Control {

@@ -108,6 +108,24 @@ TEST(ControlTest, ObserverHearsEveryChange) {
   EXPECT_FALSE(label.Visible());
 }
 
+TEST(LabelTest, ItsFaceIsPlainEightPointsUntilSetAndEachChangeRedrawsTheCaption) {
+  Label label("LblCommandName");
+  EXPECT_EQ(label.FontSize(), 8);
+  EXPECT_FALSE(label.FontBold());
+  EXPECT_FALSE(label.FontUnderline());
+  EXPECT_EQ(label.ForeColor(), 0u);
+  Recorder recorder;
+  label.Observe(&recorder);
+  label.FontSize(14);
+  label.FontBold(true);
+  label.FontUnderline(true);
+  label.ForeColor(0xFF0000);
+  ASSERT_EQ(recorder.seen.size(), 4u);
+  for (const auto& [name, property] : recorder.seen) EXPECT_EQ(property, Property::Caption);
+  EXPECT_EQ(label.FontSize(), 14);
+  EXPECT_TRUE(label.FontBold());
+}
+
 TEST(ControlArrayTest, ElementsKnowTheirNameAndIndex) {
   ControlArray<PictureBox, 4> menu("CmdMenu");
   EXPECT_EQ(menu[3].Name(), "CmdMenu");

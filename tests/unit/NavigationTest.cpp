@@ -95,6 +95,21 @@ TEST_F(NavigationTest, TheTextsLetterForLetter) {
   EXPECT_EQ(form_.LblCommandDesc.Caption(), "Icon sizes and spacing");
 }
 
+TEST_F(NavigationTest, ThePageTitleKeepsItsLargerFaceOnEveryPageAndOtherCaptionsArePlain) {
+  for (std::size_t element : {1u, 2u, 3u, 0u}) {
+    form_.CmdMenu[element].Click();
+    EXPECT_EQ(form_.LblCommandName.FontSize(), 14);
+    EXPECT_TRUE(form_.LblCommandName.FontBold());
+  }
+  for (const ui::Label* label : {&form_.LblDescribtion, &form_.Label4, &form_.Label14,
+                                 &form_.LblIconCat, &form_.CmdWallpaperControl[0]}) {
+    EXPECT_EQ(label->FontSize(), 8) << label->Name();
+    EXPECT_FALSE(label->FontBold()) << label->Name();
+  }
+  // The title's box ends before the top icons begin, so the two never overlap.
+  EXPECT_LE(form_.LblCommandName.Left() + form_.LblCommandName.Width(), form_.imgTop[0].Left());
+}
+
 TEST_F(NavigationTest, ResetHoverShowsTheRestingPictures) {
   form_.CmdMenu[0].Click();
   EXPECT_EQ(NumberOf(form_.CmdMenu[0]), 122);

@@ -71,6 +71,16 @@ const GUID kAccNameProperty = {
 
 int ToPixels(std::int32_t twips) { return static_cast<int>(twips / kTwipsPerPixel); }
 
+// Every caption of the window is set in "Verdana". The window is laid out in pixels (15 twips to
+// the pixel), so its type is too: points are taken at 96 pixels to the inch whatever the
+// screen's setting, and a caption always fits the box the design gives it. At a larger display
+// scaling the system enlarges the whole window, which declares no awareness of scaling.
+HFONT MakeVerdana(int points, bool bold, bool underline) {
+  return ::CreateFontA(-::MulDiv(points, 96, 72), 0, 0, 0, bold ? FW_BOLD : FW_NORMAL,
+                       FALSE, underline ? TRUE : FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                       CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana");
+}
+
 std::uint32_t ToHandleValue(const void* handle) {
   return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
 }
@@ -266,12 +276,7 @@ void FormWindow::Create() {
     }
   }
 
-  HDC screen = ::GetDC(nullptr);
-  const int pointHeight = -::MulDiv(8, ::GetDeviceCaps(screen, LOGPIXELSY), 72);
-  ::ReleaseDC(nullptr, screen);
-  font_.Reset(::CreateFontA(pointHeight, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                            OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                            DEFAULT_PITCH | FF_SWISS, "Verdana"));
+  font_.Reset(MakeVerdana(8, false, false));
 
   const int width = ToPixels(form_.Width);
   const int height = ToPixels(form_.Height);
@@ -622,10 +627,35 @@ HBRUSH FormWindow::BrushOf(std::uint32_t color) {
   return found->second.Get();
 }
 
+HFONT FormWindow::FontOf(const Label& label) {
+  const int points = label.FontSize() > 0 ? label.FontSize() : 8;
+  if (points == 8 && !label.FontBold() && !label.FontUnderline()) return font_.Get();
+  const std::uint32_t key = static_cast<std::uint32_t>(points) << 2 |
+                            (label.FontBold() ? 2u : 0u) | (label.FontUnderline() ? 1u : 0u);
+  auto found = labelFonts_.find(key);
+  if (found == labelFonts_.end()) {
+    found = labelFonts_
+                .emplace(key, UniqueFont(MakeVerdana(points, label.FontBold(),
+                                                     label.FontUnderline())))
+                .first;
+  }
+  return found->second ? found->second.Get() : font_.Get();
+}
+
 void FormWindow::PaintFormBackground(HDC dc) {
   RECT area{};
   ::GetClientRect(window_, &area);
-  ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
+  const Pixels& picture = form_.Picture;
+  if (picture.Empty()) {
+    ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
+    return;
+  }
+  DrawPixels(dc, picture, 0, 0, ::GetSysColor(COLOR_BTNFACE));
+  // A window larger than its picture shows the plain colour beyond it.
+  RECT right{picture.width, 0, area.right, area.bottom};
+  RECT below{0, picture.height, std::min<LONG>(picture.width, area.right), area.bottom};
+  if (right.left < right.right) ::FillRect(dc, &right, ::GetSysColorBrush(COLOR_BTNFACE));
+  if (below.top < below.bottom) ::FillRect(dc, &below, ::GetSysColorBrush(COLOR_BTNFACE));
 }
 
 void FormWindow::PaintPicture(BoundControl& bound, HDC dc) {
@@ -666,9 +696,10 @@ void FormWindow::PaintLabel(BoundControl& bound, HWND window, HDC dc) {
   const auto& label = static_cast<Label&>(*bound.control);
   RECT area{};
   ::GetClientRect(window, &area);
-  HGDIOBJ oldFont = ::SelectObject(dc, font_.Get());
+  HGDIOBJ oldFont = ::SelectObject(dc, FontOf(label));
   ::SetBkMode(dc, TRANSPARENT);
-  ::SetTextColor(dc, ::GetSysColor(label.Enabled() ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT));
+  ::SetTextColor(dc, label.Enabled() ? label.ForeColor() & 0xFFFFFFu
+                                     : ::GetSysColor(COLOR_GRAYTEXT));
   std::string caption = label.Caption();
   ::DrawTextA(dc, caption.data(), static_cast<int>(caption.size()), &area,
               DT_LEFT | DT_TOP | DT_WORDBREAK | DT_NOPREFIX);
@@ -719,6 +750,10 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       ::EndPaint(window, &ps);
       return 0;
     }
+    case WM_ERASEBKGND:
+      // The picture goes straight onto the screen in one copy: no plain fill shows first.
+      PaintFormBackground(reinterpret_cast<HDC>(wParam));
+      return 1;
     case WM_PRINTCLIENT:
       PaintFormBackground(reinterpret_cast<HDC>(wParam));
       return 0;

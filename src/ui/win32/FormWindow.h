@@ -143,6 +143,7 @@ class FormWindow final : private ControlObserver {
   void PaintLabel(BoundControl& bound, HWND window, HDC dc);
   void PaintFormBackground(HDC dc);
   HBRUSH BrushOf(std::uint32_t color);
+  HFONT FontOf(const Label& label);
 
   void SyncNodes(BoundControl& bound);
   void InsertNode(BoundControl& bound, std::int32_t position);
@@ -174,6 +175,8 @@ class FormWindow final : private ControlObserver {
   // change are not taken for the user's.
   int applying_ = 0;
   UniqueFont font_;
+  // The labels' other faces of "Verdana", by size, weight and underline, made on first use.
+  std::map<std::uint32_t, UniqueFont> labelFonts_;
   std::map<std::uint32_t, UniqueBrush> brushes_;
   std::vector<std::unique_ptr<BoundControl>> bound_;
   std::unordered_map<const Control*, BoundControl*> byControl_;
