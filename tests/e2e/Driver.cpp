@@ -525,11 +525,30 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
   }
   report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
   // The window driven by the pointer: pages, zones, hover pictures.
-  RunNavigation(program, screenshotFolder, report);
+  RunNavigation(program, screenshotFolder, "e2e-", report);
   // The row of "My Computer" splits its icon's location before mending it: with no value at all
   // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();
   report(withoutIcon.name, RunCase(withoutIcon, program, screenshotFolder));
+  result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
+  return failed == 0 ? 0 : 1;
+}
+
+// The main window driven by the pointer alone, in a run of its own: the script runs it with the
+// program and this driver taken for "Windows XP", where the Appearance page has its command.
+int Navigation(const std::string& resultPath, const std::string& screenshotFolder,
+               const std::string& shotPrefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  const std::string program = OwnFolder() + "quorvane.exe";
+  int passed = 0;
+  int failed = 0;
+  RunNavigation(program, screenshotFolder, shotPrefix,
+                [&](const std::string& name, const Verdict& verdict) {
+                  (verdict.Passed() ? passed : failed) += 1;
+                  result.Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " +
+                              verdict.Summary());
+                });
   result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
   return failed == 0 ? 0 : 1;
 }
@@ -570,6 +589,7 @@ int Exit(const std::string& resultPath, DWORD timeout) {
 int main(int argc, char** argv) {
   const std::string command = argc > 1 ? argv[1] : "";
   if (command == "run-modes" && argc == 4) return RunModes(argv[2], argv[3]);
+  if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <list>
+#include <string>
 #include <vector>
 
 #include "Controls.h"
@@ -101,7 +103,8 @@ int Mismatches(const Picture& a, const Picture& b) {
   return different;
 }
 
-// The bitmaps of quorvane.exe, read from the file once each.
+// The bitmaps of quorvane.exe, read from the file once each. A list, so that a picture handed
+// out stays where it is while others are read.
 class Bitmaps {
  public:
   explicit Bitmaps(std::string program) : program_(std::move(program)) {}
@@ -119,7 +122,7 @@ class Bitmaps {
 
  private:
   std::string program_;
-  std::vector<std::pair<int, Picture>> loaded_;
+  std::list<std::pair<int, Picture>> loaded_;
 };
 
 // Whether `window` shows bitmap `number` of the program: the screen over the window against the
@@ -138,17 +141,29 @@ bool Shows(HWND window, const Picture& bitmap, std::string& seen) {
   return different == 0;
 }
 
+// The face a label's caption is set in: Verdana of a size, plain or bold, in a colour.
+struct Face {
+  int points;
+  bool bold;
+  COLORREF colour;
+};
+// Most captions of the window are plain Verdana of 8 points in black; the page's title is
+// larger, bold and dark slate.
+constexpr Face kCaptionFace{8, false, RGB(0, 0, 0)};
+constexpr Face kTitleFace{14, true, RGB(0x3F, 0x46, 0x52)};
+
 // What a label of the window is expected to show: `caption` drawn as the window draws its
-// labels, in Verdana of 8 points in the system's window text colour from the label's top left
-// corner, broken at words, over the background the label stands on (the colour of its bottom
-// right corner, where no caption of these reaches).
-Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::string& caption) {
+// labels, in its face from the label's top left corner, broken at words, over the background
+// the label stands on (the colour of its bottom right corner, where no caption of these
+// reaches).
+Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::string& caption,
+                     const Face& face) {
   Picture picture;
   picture.width = area.right - area.left;
   picture.height = area.bottom - area.top;
   if (picture.width <= 0 || picture.height <= 0) return picture;
   HDC screen = ::GetDC(nullptr);
-  const int pointHeight = -::MulDiv(8, ::GetDeviceCaps(screen, LOGPIXELSY), 72);
+  const int pointHeight = -::MulDiv(face.points, 96, 72);  // the window's type is set at 96
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = picture.width;
@@ -159,8 +174,8 @@ Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::stri
   void* bits = nullptr;
   HDC memory = ::CreateCompatibleDC(screen);
   HBITMAP surface = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  HFONT font = ::CreateFontA(pointHeight, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
-                             DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+  HFONT font = ::CreateFontA(pointHeight, 0, 0, 0, face.bold ? FW_BOLD : FW_NORMAL, FALSE,
+                             FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
                              DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana");
   if (memory != nullptr && surface != nullptr && font != nullptr) {
     HGDIOBJ oldSurface = ::SelectObject(memory, surface);
@@ -172,7 +187,7 @@ Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::stri
     ::FillRect(memory, &inside, brush);
     ::DeleteObject(brush);
     ::SetBkMode(memory, TRANSPARENT);
-    ::SetTextColor(memory, ::GetSysColor(COLOR_WINDOWTEXT));
+    ::SetTextColor(memory, face.colour);
     std::string text = caption;
     ::DrawTextA(memory, text.data(), static_cast<int>(text.size()), &inside,
                 DT_LEFT | DT_TOP | DT_WORDBREAK | DT_NOPREFIX);
@@ -194,7 +209,7 @@ Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::stri
 // Whether the label `label` shows `caption` on the screen. A label's window text is its system
 // name and its caption is only painted, so the caption is read from the screen: the label's
 // pixels against the caption drawn the same way.
-bool LabelShows(HWND label, const std::string& caption, std::string& seen) {
+bool LabelShows(HWND label, const std::string& caption, const Face& face, std::string& seen) {
   const RECT area = ScreenRect(label);
   std::vector<std::uint32_t> pixels;
   std::string error;
@@ -206,7 +221,7 @@ bool LabelShows(HWND label, const std::string& caption, std::string& seen) {
   shown.width = area.right - area.left;
   shown.height = area.bottom - area.top;
   shown.pixels = pixels;
-  const Picture expected = DrawnCaption(area, pixels.back(), caption);
+  const Picture expected = DrawnCaption(area, pixels.back(), caption, face);
   const int different = Mismatches(shown, expected);
   int ink = 0;
   for (std::uint32_t p : expected.pixels) ink += p != pixels.back() ? 1 : 0;
@@ -223,8 +238,11 @@ bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& na
 
 class Session {
  public:
-  Session(HWND window, std::string program, std::string shots)
-      : window_(window), bitmaps_(std::move(program)), shots_(std::move(shots)) {}
+  Session(HWND window, std::string program, std::string shots, std::string prefix)
+      : window_(window),
+        bitmaps_(std::move(program)),
+        shots_(std::move(shots)),
+        prefix_(std::move(prefix)) {}
 
   HWND Find(const std::string& name) { return FindControl(window_, name); }
   bool Visible(const std::string& name) {
@@ -287,11 +305,11 @@ class Session {
     if (verdict.Check(title != nullptr && ::IsWindowVisible(title) != 0,
                       "LblCommandName is not found, or not visible")) {
       const bool shows =
-          WaitUntil(kChangeTimeout, [&] { return LabelShows(title, page.title, seen); });
+          WaitUntil(kChangeTimeout, [&] { return LabelShows(title, page.title, kTitleFace, seen); });
       verdict.Check(shows, std::string("LblCommandName does not show \"") + page.title +
                                "\": " + seen);
     }
-    SaveShot(verdict, shots_, "e2e-page-" + std::to_string(page.element));
+    SaveShot(verdict, shots_, prefix_ + "page-" + std::to_string(page.element));
     verdict.Note(std::string(page.box) + " and " + page.frame + " alone shown, title \"" +
                  page.title + "\" on the screen");
     return verdict;
@@ -338,7 +356,7 @@ class Session {
       }
       std::string seen;
       const bool captionRight =
-          WaitUntil(kChangeTimeout, [&] { return LabelShows(caption, zone.caption, seen); });
+          WaitUntil(kChangeTimeout, [&] { return LabelShows(caption, zone.caption, kCaptionFace, seen); });
       verdict.Check(captionRight, std::string("LblIconCat does not show \"") + zone.caption + "\": " + seen);
       const Picture* bitmap = bitmaps_.Get(zone.picture, error);
       if (bitmap != nullptr) {
@@ -363,7 +381,31 @@ class Session {
       verdict.Check(captionAfter == captionBefore, "LblIconCat changed " + where);
       verdict.Note("no tree shown " + where + "; the strip and LblIconCat unchanged");
     }
-    SaveShot(verdict, shots_, std::string("e2e-zone-") + zone.shot);
+    SaveShot(verdict, shots_, prefix_ + "zone-" + zone.shot);
+    return verdict;
+  }
+
+  // The window's own picture behind its controls: its top left corner, where the mark and the
+  // name stand and no control covers it, is bitmap 170 pixel for pixel, and so is the hairline
+  // frame along the left edge below it.
+  Verdict BackgroundCase() {
+    Verdict verdict;
+    std::string error;
+    const Picture* background = bitmaps_.Get(170, error);
+    if (!verdict.Check(background != nullptr, "the background bitmap 170: " + error)) {
+      return verdict;
+    }
+    const RECT form = ScreenRect(window_);
+    const RECT corner{form.left, form.top, form.left + 205, form.top + 130};
+    std::vector<std::uint32_t> pixels;
+    if (!verdict.Check(CaptureScreen(corner, pixels, error), "no capture: " + error)) {
+      return verdict;
+    }
+    const int different = Mismatches(pixels, corner, *background);
+    verdict.Check(different == 0, std::to_string(different) +
+                                      " pixels of the window's top left corner " +
+                                      Describe(corner) + " differ from bitmap 170");
+    verdict.Note("the top left corner " + Describe(corner) + " shows bitmap 170");
     return verdict;
   }
 
@@ -384,7 +426,7 @@ class Session {
     const Picture* defaultHover = applyNormal != nullptr ? bitmaps_.Get(113, error) : nullptr;
     const Picture* defaultNormal = defaultHover != nullptr ? bitmaps_.Get(114, error) : nullptr;
     if (!verdict.Check(defaultNormal != nullptr, "waiting for the bitmaps: " + error)) {
-      SaveShot(verdict, shots_, "e2e-hover");
+      SaveShot(verdict, shots_, prefix_ + "hover");
       return verdict;
     }
     // Were a hover picture the normal one, the comparisons below would prove nothing.
@@ -403,7 +445,7 @@ class Session {
     verdict.Check(right, "under the pointer CmdDefault does not show 113: " + seen);
     right = Shows(apply, *applyNormal, seen);
     verdict.Check(right, "with the pointer on CmdDefault, CmdApply does not show 107: " + seen);
-    SaveShot(verdict, shots_, "e2e-hover");
+    SaveShot(verdict, shots_, prefix_ + "hover");
     verdict.Note("CmdApply 106 under the pointer; then CmdDefault 113 and CmdApply 107");
     return verdict;
   }
@@ -412,12 +454,13 @@ class Session {
   HWND window_;
   Bitmaps bitmaps_;
   std::string shots_;
+  std::string prefix_;
 };
 
 }  // namespace
 
 void RunNavigation(const std::string& program, const std::string& screenshotFolder,
-                   const Report& report) {
+                   const std::string& shotPrefix, const Report& report) {
   Child child;
   std::string error;
   Verdict start;
@@ -438,8 +481,9 @@ void RunNavigation(const std::string& program, const std::string& screenshotFold
     return;
   }
   ::Sleep(500);  // let it paint
-  Session session(window, program, screenshotFolder);
+  Session session(window, program, screenshotFolder, shotPrefix);
 
+  report("the window's background", session.BackgroundCase());
   std::vector<int> shown;
   report("page commands shown", session.Commands(shown));
   // The first page is on at the start: it is chosen last, after the others.

@@ -12,10 +12,11 @@ namespace quorvane::e2e {
 // Receives each case's name and verdict, in order.
 using Report = std::function<void(const std::string& name, const Verdict& verdict)>;
 
-// Starts `program` (quorvane.exe) with an empty command line, runs the page, zone and hover
-// cases on its window, saves screenshots as e2e-page-<n>.bmp, e2e-zone-<name>.bmp and
-// e2e-hover.bmp in `screenshotFolder`, and ends it through "Quorvane.Exit".
+// Starts `program` (quorvane.exe) with an empty command line, runs the background, page, zone
+// and hover cases on its window, saves screenshots as <prefix>page-<n>.bmp,
+// <prefix>zone-<name>.bmp and <prefix>hover.bmp in `screenshotFolder`, and ends it through
+// "Quorvane.Exit".
 void RunNavigation(const std::string& program, const std::string& screenshotFolder,
-                   const Report& report);
+                   const std::string& shotPrefix, const Report& report);
 
 }  // namespace quorvane::e2e
