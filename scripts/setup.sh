@@ -7,7 +7,7 @@ packages=(
   cmake make g++ googletest libgtest-dev libgmock-dev
   g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev
   wine wine64 xvfb xauth x11-utils fonts-wine imagemagick
-  cabextract gcab libgcab-dev hyperfine
+  cabextract gcab libgcab-dev libz-mingw-w64-dev hyperfine
 )
 
 missing=()

@@ -4,6 +4,7 @@
 #include "platform/win32/Win32Application.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32CollectionPacker.h"
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
@@ -49,6 +50,7 @@ void InstallWin32Services() {
   InstallForGood<platform::Tray, platform::win32::Win32Tray>();
   InstallForGood<platform::Notification, platform::win32::Win32Notification>();
   InstallForGood<platform::Application, platform::win32::Win32Application>();
+  InstallForGood<platform::CollectionPackers, platform::Win32CollectionPackers>();
   InstallForGood<platform::ShellRequests, platform::win32::Win32ShellRequests>();
 }
 

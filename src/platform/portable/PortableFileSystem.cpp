@@ -4,19 +4,13 @@
 #include <filesystem>
 #include <memory>
 
+#include "platform/portable/HostPath.h"
+
 namespace quorvane::platform {
 
 namespace {
 
-// The system builds its paths with backslashes, as the platform separates folders; here they
-// become the host's separator.
-std::string Host(const std::string& path) {
-  std::string out = path;
-  for (char& c : out) {
-    if (c == '\\') c = '/';
-  }
-  return out;
-}
+std::string Host(const std::string& path) { return HostPath(path); }
 
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }

@@ -10,6 +10,7 @@
 
 #include "Support.h"
 #include "platform/Service.h"
+#include "platform/portable/GcabCollectionPacker.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableClipboard.h"
 #include "platform/portable/PortableClock.h"
@@ -46,6 +47,7 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
     platform::Install<platform::Tray>(&tray_);
+    platform::Install<platform::CollectionPackers>(&packers_);
     platform::Install<platform::ShellRequests>(&shell_);
   }
   void TearDown() override {
@@ -65,6 +67,7 @@ class PortableEnvironment : public ::testing::Environment {
   platform::PortableResourcePictures pictures_;
   platform::portable::PortableSystemInfo system_;
   platform::portable::PortableTray tray_;
+  platform::GcabCollectionPackers packers_;
   platform::portable::RecordingShellRequests shell_;
 };
 

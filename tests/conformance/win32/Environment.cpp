@@ -12,6 +12,7 @@
 #include "platform/Service.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32CollectionPacker.h"
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
@@ -47,6 +48,7 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::ResourcePictures>(&pictures_);
     platform::Install<platform::SystemInfo>(&system_);
     platform::Install<platform::Tray>(&tray_);
+    platform::Install<platform::CollectionPackers>(&packers_);
     platform::Install<platform::ShellRequests>(&shell_);
   }
   void TearDown() override {
@@ -66,6 +68,7 @@ class Win32Environment : public ::testing::Environment {
   platform::Win32ResourcePictures pictures_;
   platform::win32::Win32SystemInfo system_;
   platform::win32::Win32Tray tray_;
+  platform::Win32CollectionPackers packers_;
   platform::win32::Win32ShellRequests shell_;
 };
 

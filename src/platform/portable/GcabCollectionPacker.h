@@ -1,0 +1,53 @@
+#pragma once
+// The collection packer for the build without Windows, over Debian's libgcab: libgcab compresses
+// each file into a cabinet of one folder and expands the entries of any cabinet; the folders are
+// laid side by side in one file by the shared cabinet code. Paths use backslashes or slashes;
+// names are in the active code page, Windows-1252, and go into the cabinet as UTF-8 when they
+// are not plain ASCII.
+#include <memory>
+#include <string>
+
+#include "platform/CabinetPacker.h"
+
+namespace quorvane::platform {
+
+class GcabCollectionPacker final : public CabinetPacker {
+ public:
+  GcabCollectionPacker() = default;
+  ~GcabCollectionPacker() override;
+
+ protected:
+  std::unique_ptr<cabinet::RandomFile> OpenForReading(const std::string& path) override;
+  std::unique_ptr<cabinet::RandomFile> CreateNew(const std::string& path) override;
+  bool IsFile(const std::string& path) override;
+  bool IsFolder(const std::string& path) override;
+  bool RemoveFile(const std::string& path) override;
+  void RemoveFolderTree(const std::string& path) override;
+  bool PutInPlace(const std::string& from, const std::string& to) override;
+  bool MakeDurable(const std::string& path) override;
+  bool MakeFolders(const std::string& path) override;
+  void SetModified(const std::string& path, std::uint16_t date, std::uint16_t time) override;
+  std::string LastErrorText() override;
+  std::string ScratchFolder() override;
+  std::string ProcessTag() override;
+  std::optional<std::string> NameOfEntry(const cabinet::Entry& entry) override;
+  cabinet::Entry EntryForEmptyFile(const Item& item) override;
+  void Compress(const std::vector<Item>& items, const std::string& scratch,
+                std::vector<std::string>& made) override;
+  void Expand(const std::string& archive, const cabinet::Layout& layout,
+              const std::vector<Target>& targets) override;
+
+ private:
+  int lastError_ = 0;
+};
+
+class GcabCollectionPackers final : public CollectionPackers {
+ public:
+  std::unique_ptr<CollectionPacker> Create() override;
+};
+
+// Windows-1252 text as UTF-8, and back; nothing when a character has no place in the target.
+std::string Windows1252ToUtf8(const std::string& text);
+std::optional<std::string> Utf8ToWindows1252(const std::string& text);
+
+}  // namespace quorvane::platform
