@@ -189,6 +189,17 @@ void ClickAt(POINT point) {
 
 void MoveTo(POINT point) { SendMouse(point, {MOUSEEVENTF_MOVE}); }
 
+void DragFromTo(POINT from, POINT to) {
+  SendMouse(from, {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN});
+  constexpr int kSteps = 4;
+  for (int step = 1; step <= kSteps; ++step) {
+    const POINT between{from.x + (to.x - from.x) * step / kSteps,
+                        from.y + (to.y - from.y) * step / kSteps};
+    SendMouse(between, {MOUSEEVENTF_MOVE});
+  }
+  SendMouse(to, {MOUSEEVENTF_LEFTUP});
+}
+
 RECT ScreenRect(HWND window) {
   RECT area{};
   ::GetWindowRect(window, &area);

@@ -46,6 +46,9 @@ void ClickAt(POINT point);
 // Moves the pointer to a point of the screen, as the user does, with no button pressed.
 void MoveTo(POINT point);
 
+// Presses the left button at `from`, moves with it held to `to` in a few steps, and lets go.
+void DragFromTo(POINT from, POINT to);
+
 // The screen rectangle of a window.
 RECT ScreenRect(HWND window);
 

@@ -525,7 +525,7 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
   }
   report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
   // The window driven by the pointer: pages, zones, hover pictures.
-  RunNavigation(program, screenshotFolder, "e2e-", report);
+  RunNavigation(program, screenshotFolder, "e2e-", Ending::ByPicMin, report);
   // The row of "My Computer" splits its icon's location before mending it: with no value at all
   // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();
@@ -543,7 +543,7 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   const std::string program = OwnFolder() + "quorvane.exe";
   int passed = 0;
   int failed = 0;
-  RunNavigation(program, screenshotFolder, shotPrefix,
+  RunNavigation(program, screenshotFolder, shotPrefix, Ending::ByPicClose,
                 [&](const std::string& name, const Verdict& verdict) {
                   (verdict.Passed() ? passed : failed) += 1;
                   result.Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " +

@@ -409,6 +409,52 @@ class Session {
     return verdict;
   }
 
+  // The window dragged by its background: pressed on the empty band under the page commands and
+  // moved, it follows the pointer by the same distance.
+  Verdict DragCase() {
+    Verdict verdict;
+    const RECT before = ScreenRect(window_);
+    const POINT from{before.left + 100, before.bottom - 40};
+    const POINT to{from.x + 60, from.y - 40};
+    DragFromTo(from, to);
+    RECT after{};
+    const bool moved = WaitUntil(kChangeTimeout, [&] {
+      after = ScreenRect(window_);
+      return after.left == before.left + 60 && after.top == before.top - 40;
+    });
+    verdict.Check(moved, "dragged by (60, -40) from " + Describe(before) + ", the window is at " +
+                             Describe(after));
+    verdict.Note("moved from " + Describe(before) + " to " + Describe(after));
+    return verdict;
+  }
+
+  // PicMin hides the window and the program goes on, resident.
+  Verdict MinimiseCase(const Child& child) {
+    Verdict verdict;
+    HWND min = Find("PicMin");
+    if (!verdict.Check(min != nullptr, "PicMin is not found")) return verdict;
+    ClickAt(Centre(ScreenRect(min)));
+    const bool hidden = WaitUntil(kChangeTimeout, [&] { return ::IsWindowVisible(window_) == 0; });
+    verdict.Check(hidden, "the window is still shown after a click on PicMin");
+    ::Sleep(500);
+    verdict.Check(IsRunning(child), "the program ended after a click on PicMin");
+    verdict.Note("hidden by PicMin, the program still running");
+    return verdict;
+  }
+
+  // PicClose ends the program.
+  Verdict CloseCase(const Child& child) {
+    Verdict verdict;
+    HWND close = Find("PicClose");
+    if (!verdict.Check(close != nullptr, "PicClose is not found")) return verdict;
+    ClickAt(Centre(ScreenRect(close)));
+    DWORD exitCode = 0;
+    verdict.Check(WaitForEnd(child, kEndTimeout, exitCode),
+                  "the program is still running after a click on PicClose");
+    verdict.Note("ended by PicClose");
+    return verdict;
+  }
+
   // The pointer onto CmdApply, then onto CmdDefault: each shows its hover picture under the
   // pointer, and CmdApply its normal one again once the pointer has left it.
   Verdict HoverCase() {
@@ -460,7 +506,7 @@ class Session {
 }  // namespace
 
 void RunNavigation(const std::string& program, const std::string& screenshotFolder,
-                   const std::string& shotPrefix, const Report& report) {
+                   const std::string& shotPrefix, Ending ending, const Report& report) {
   Child child;
   std::string error;
   Verdict start;
@@ -503,6 +549,13 @@ void RunNavigation(const std::string& program, const std::string& screenshotFold
            session.ZoneCase(zone));
   }
   report("hover CmdApply, then CmdDefault", session.HoverCase());
+  report("drag by the background", session.DragCase());
+  if (ending == Ending::ByPicClose) {
+    report("close with PicClose", session.CloseCase(child));
+    if (IsRunning(child)) Terminate(child);
+    return;
+  }
+  report("hide with PicMin", session.MinimiseCase(child));
 
   Verdict end;
   end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");

@@ -12,11 +12,15 @@ namespace quorvane::e2e {
 // Receives each case's name and verdict, in order.
 using Report = std::function<void(const std::string& name, const Verdict& verdict)>;
 
-// Starts `program` (quorvane.exe) with an empty command line, runs the background, page, zone
-// and hover cases on its window, saves screenshots as <prefix>page-<n>.bmp,
-// <prefix>zone-<name>.bmp and <prefix>hover.bmp in `screenshotFolder`, and ends it through
-// "Quorvane.Exit".
+// How the run ends: hidden with PicMin and then ended through "Quorvane.Exit", or closed with
+// PicClose.
+enum class Ending { ByPicMin, ByPicClose };
+
+// Starts `program` (quorvane.exe) with an empty command line, runs the background, page, zone,
+// hover and drag cases on its window, saves screenshots as <prefix>page-<n>.bmp,
+// <prefix>zone-<name>.bmp and <prefix>hover.bmp in `screenshotFolder`, and ends it as `ending`
+// says.
 void RunNavigation(const std::string& program, const std::string& screenshotFolder,
-                   const std::string& shotPrefix, const Report& report);
+                   const std::string& shotPrefix, Ending ending, const Report& report);
 
 }  // namespace quorvane::e2e
