@@ -75,3 +75,6 @@ endif()
 
 # Start-up checks that run whole programs under Wine (the XP branch, the blank icon, the tray).
 include(${CMAKE_SOURCE_DIR}/cmake/StartupProbe.cmake)
+
+# Collection files against other cabinet tools and across the two builds.
+include(${CMAKE_SOURCE_DIR}/cmake/Cabinet.cmake)
