@@ -8,6 +8,9 @@
 #                                    window program, under Wine in a virtual desktop on Xvfb
 #   bash scripts/bench.sh switch     quorvane.exe's page and zone switches, click to the window
 #                                    repainted, under Wine in a virtual desktop on Xvfb
+#   bash scripts/bench.sh cabinet    packing the JPEGs of Debian's wallpaper packages into a
+#                                    collection file against `gcab -c -z`, and unpacking its first
+#                                    and last entry against `cabextract -F`, natively
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -107,11 +110,69 @@ bench_switch() {
   run_in_desktop switch win_switch.exe $(( runs * 300 + 900 ))
 }
 
+bench_cabinet() {
+  # Real pictures nobody here made: the JPEGs of Debian's wallpaper packages.
+  local packages=(mate-backgrounds ukui-wallpapers plasma-workspace-wallpapers) missing=() p
+  for p in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+  done
+  if [ ${#missing[@]} -gt 0 ]; then
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  fi
+  build_native_release --target cab_probe
+  local probe="$root/build/native-release/cab_probe"
+  local dir="$root/build/bench/cabinet"
+  rm -rf "$dir"
+  mkdir -p "$dir/src"
+  # One flat folder, the pictures numbered in a fixed order, since several share a name.
+  local n=0 f
+  while IFS= read -r f; do
+    n=$((n + 1))
+    cp "$f" "$dir/src/$(printf '%03d' "$n")-$(basename "$f" | tr ' ' '_')"
+  done < <(find /usr/share/backgrounds /usr/share/wallpapers -type f -iname '*.jpg' 2>/dev/null | LC_ALL=C sort)
+  local files=("$dir/src"/*)
+  local first last bytes
+  first="$(basename "${files[0]}")"
+  last="$(basename "${files[-1]}")"
+  bytes="$(cat "${files[@]}" | wc -c)"
+  echo "== packing $n JPEGs, $((bytes / 1000000)) MB, into one archive; natively; $runs runs"
+  (cd "$dir/src" && hyperfine --style basic --warmup 1 --runs "$runs" \
+    --prepare "rm -f '$dir/ours.RXS' '$dir/gcab.cab'" \
+    -n "PackFile x$n + Release" "'$probe' pack '$dir/ours.RXS' ${files[*]@Q}" \
+    -n "gcab -c -z" "gcab -c -z '$dir/gcab.cab' *" \
+    --export-json "$dir/pack.json")
+  # The archives of the last runs are gone with the preparation of the next: made once more.
+  rm -f "$dir/ours.RXS" "$dir/gcab.cab"
+  "$probe" pack "$dir/ours.RXS" "${files[@]}" >/dev/null
+  (cd "$dir/src" && gcab -c -z "$dir/gcab.cab" *)
+  local ours gcab
+  ours="$(stat -c %s "$dir/ours.RXS")"
+  gcab="$(stat -c %s "$dir/gcab.cab")"
+  awk -v b="$bytes" -v o="$ours" -v g="$gcab" 'BEGIN {
+    printf "archive size / input: PackFile %.4f, gcab -c -z %.4f\n", o / b, g / b }'
+  grep -o '"median": *[0-9.e+-]*' "$dir/pack.json" | awk -v b="$bytes" -F': *' '
+    NR == 1 { name = "PackFile + Release" } NR == 2 { name = "gcab -c -z" }
+    { printf "%s: %.0f MB/s (median %.0f ms)\n", name, b / $2 / 1e6, $2 * 1000 }'
+  echo "== unpacking the first ($first) and the last ($last) entry; $runs runs"
+  hyperfine --style basic --warmup 2 --runs "$runs" \
+    --prepare "rm -rf '$dir/out'" \
+    -n "UnpackFiles first" "'$probe' unpack '$dir/ours.RXS' '$dir/out' '$first'" \
+    -n "UnpackFiles last" "'$probe' unpack '$dir/ours.RXS' '$dir/out' '$last'" \
+    -n "cabextract -F first, gcab's archive" "cabextract -q -d '$dir/out' -F '$first' '$dir/gcab.cab'" \
+    -n "cabextract -F last, gcab's archive" "cabextract -q -d '$dir/out' -F '$last' '$dir/gcab.cab'" \
+    -n "cabextract -F last, our archive" "cabextract -q -d '$dir/out' -F '$last' '$dir/ours.RXS'" \
+    --export-json "$dir/unpack.json"
+  rm -rf "$dir/src" "$dir/out"
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
   startup) bench_startup ;;
   switch) bench_switch ;;
-  all) bench_resample; bench_import; bench_startup; bench_switch ;;
+  cabinet) bench_cabinet ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac
