@@ -391,4 +391,19 @@ begin 48 48 "$page_bg"
 mark 4 4 40
 emit 172
 
+# --- FrmWorking's picture, 260 by 80: the mark and a word that the program is busy ------------
+begin 260 80 "$page_bg"
+mark 20 20 40
+add "push graphic-context"
+add "font '$font_bold'"
+add "font-size 15"
+add "fill '$text_dark'"
+add "text 74,38 'Working...'"
+add "font '$font'"
+add "font-size 11"
+add "fill '$grey_text'"
+add "text 74,57 'Please wait'"
+add "pop graphic-context"
+emit 173
+
 echo "bitmaps: $out"

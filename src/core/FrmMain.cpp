@@ -149,6 +149,15 @@ FrmMain::FrmMain() {
   TvExplore.Click = [this] { TvExplore_Click(); };
   TvFileType.Click = [this] { TvFileType_Click(); };
   TvControlPanel.Click = [this] { TvControlPanel_Click(); };
+  TvDesktop.DblClick = [this] { TvDesktop_DblClick(); };
+  TvStartMenu.DblClick = [this] { TvStartMenu_DblClick(); };
+  TvExplore.DblClick = [this] { TvExplore_DblClick(); };
+  TvFileType.DblClick = [this] { TvFileType_DblClick(); };
+  TvControlPanel.DblClick = [this] { TvControlPanel_DblClick(); };
+  CmdChange.Click = [this] { CmdChange_Click(); };
+  CmdApply.Click = [this] { CmdApply_Click(); };
+  CmdDefault.Click = [this] { CmdDefault_Click(); };
+  CmdReset.Click = [this] { CmdReset_Click(); };
   CmdWindow.Click = [this] { CmdWindow_Click(); };
   CmdWindow.MouseMove = [this](std::int16_t button, std::int16_t shift, float x, float y) {
     CmdWindow_MouseMove(button, shift, x, y);

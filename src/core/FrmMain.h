@@ -3,6 +3,7 @@
 // Routines of other modules reach the window through MainWindow().
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -134,6 +135,17 @@ class FrmMain {
   std::int16_t mIconSize = 0;
   std::int16_t mFormLoaded = 0;
   std::string mHoverKey;
+  // Set when the horizontal icon spacing has been changed; CmdApply on the appearance page
+  // asks for a restart then.
+  std::int16_t mRestartNeeded = 0;
+
+  // The routines of the folder page and the appearance page that CmdChange, CmdApply and
+  // CmdDefault hand over to when that page is showing. Each page connects its own; while one
+  // is not connected, the hand-over does nothing.
+  std::function<void()> ChangeFolderIcon;
+  std::function<void()> RestoreFolderIcon;
+  std::function<void()> ApplyAppearance;
+  std::function<void()> ApplyAppearanceDefaults;
 
   // The registry object, made on first use and kept for the life of the window.
   AdvRegistryAccess& Reg();
@@ -175,6 +187,24 @@ class FrmMain {
   void TvExplore_Click();
   void TvFileType_Click();
   void TvControlPanel_Click();
+  // Staging: the shell's icon picker on the selected row's Current, and a confirmed choice kept
+  // in the row and its node until it is applied or dropped.
+  void TvDesktop_DblClick();
+  void TvStartMenu_DblClick();
+  void TvExplore_DblClick();
+  void TvFileType_DblClick();
+  void TvControlPanel_DblClick();
+  void CmdChange_Click();
+  // Applying the staged rows of the visible tree, taking the selected row back to stock, and
+  // dropping the staging of the selected node.
+  void CmdApply_Click();
+  void CmdDefault_Click();
+  void CmdReset_Click();
+  // The first of the five catalogue trees whose own Visible is true; null when none is.
+  ui::TreeView* VisibleTree();
+  // The tree's Click and DblClick routines, by the tree.
+  void ClickOf(ui::TreeView& tree);
+  void DblClickOf(ui::TreeView& tree);
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();
@@ -189,6 +219,11 @@ class FrmMain {
   ui::Control* FindControl(const std::string& name, std::int32_t index = -1) const;
 
  private:
+  // The rebuild after a write: the five trees, ILicons and IconRecords emptied, then the load
+  // routine run again with CategoryClickX kept across it.
+  void EmptyCatalogue();
+  void ReloadKeepingCategory();
+
   // Runs ResetHover, keeps the key and shows the picture, unless the key is already held.
   void Hover(const std::string& key, ui::PictureBox& box, std::int32_t picture);
   // The surfaces that only clear.

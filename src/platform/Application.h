@@ -1,7 +1,13 @@
 #pragma once
 // What the system asks of the application as a whole: showing and hiding its main window,
-// unloading that window, and ending the process.
+// unloading that window, its mouse pointer, the busy window FrmWorking, and ending the process.
+#include <cstdint>
+
 namespace quorvane::platform {
+
+// The main window's mouse pointers the system uses.
+inline constexpr std::int16_t kDefaultPointer = 0;
+inline constexpr std::int16_t kHourglassPointer = 11;
 
 class Application {
  public:
@@ -16,6 +22,12 @@ class Application {
   // Ends the process at once, without unloading anything that is still loaded. On the platform
   // it does not return.
   virtual void EndProcess() = 0;
+  // The pointer over the main window and its controls: kDefaultPointer or kHourglassPointer.
+  virtual void SetMousePointer(std::int16_t pointer) = 0;
+  // FrmWorking, a small busy window with a picture and no logic: shown without blocking, owned
+  // by the main window, over it; and unloaded.
+  virtual void ShowWorking() = 0;
+  virtual void UnloadWorking() = 0;
 };
 
 }  // namespace quorvane::platform

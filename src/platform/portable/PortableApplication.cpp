@@ -25,4 +25,19 @@ void PortableApplication::EndProcess() {
   Note("end");
 }
 
+void PortableApplication::SetMousePointer(std::int16_t pointer) {
+  pointer_ = pointer;
+  Note("pointer " + std::to_string(pointer));
+}
+
+void PortableApplication::ShowWorking() {
+  working_ = true;
+  Note("working shown");
+}
+
+void PortableApplication::UnloadWorking() {
+  working_ = false;
+  Note("working unloaded");
+}
+
 }  // namespace quorvane::platform::portable

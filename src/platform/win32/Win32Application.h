@@ -22,9 +22,21 @@ class Win32Application final : public Application {
   void UnloadMainWindow() override;
   // ExitProcess(0).
   void EndProcess() override;
+  // Keeps the pointer for the window's binding, which answers WM_SETCURSOR with it, and shows
+  // it at once.
+  void SetMousePointer(std::int16_t pointer) override;
+  // A bordered pop-up owned by the main window, centred over it, showing bitmap 173 of the
+  // program; shown without taking the focus.
+  void ShowWorking() override;
+  // DestroyWindow of the pop-up.
+  void UnloadWorking() override;
 
  private:
   std::uint32_t mainWindow_ = 0;
+  std::uint32_t working_ = 0;
 };
+
+// The pointer the main window shows now: kDefaultPointer or kHourglassPointer.
+std::int16_t MainWindowPointer();
 
 }  // namespace quorvane::platform::win32

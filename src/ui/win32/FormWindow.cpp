@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "core/FrmMain.h"
+#include "platform/win32/Win32Application.h"
 #include "ui/MemorySurface.h"
 #include "ui/win32/PixelDrawing.h"
 
@@ -761,6 +762,14 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
     case WM_CTLCOLORBTN:
       ::SetBkColor(reinterpret_cast<HDC>(wParam), ::GetSysColor(COLOR_BTNFACE));
       return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_BTNFACE));
+    case WM_SETCURSOR:
+      // While the window is busy the hourglass stands over it and every control in it; the
+      // controls ask here first.
+      if (platform::win32::MainWindowPointer() == platform::kHourglassPointer) {
+        ::SetCursor(::LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));
+        return TRUE;
+      }
+      return ::DefWindowProcA(window, message, wParam, lParam);
     case WM_CLOSE:
       RequestUnload(kUnloadFromMenu);
       return 0;
