@@ -33,6 +33,7 @@ struct Program {
   std::string path;
   std::vector<double> shownMs;
   std::vector<double> loadMs;
+  std::vector<double> rebuildMs;
   std::string lastReport;
 };
 
@@ -109,8 +110,8 @@ int main(int argc, char** argv) {
   std::FILE* out = argc > 2 ? std::fopen(argv[2], "w") : stdout;
   if (out == nullptr) return 2;
   std::vector<Program> programs = {
-      {"minimal window", folder + "win_minimal_window.exe", {}, {}, {}},
-      {"quorvane.exe (benchmark build)", folder + "quorvane_startup.exe", {}, {}, {}},
+      {"minimal window", folder + "win_minimal_window.exe", {}, {}, {}, {}},
+      {"quorvane.exe (benchmark build)", folder + "quorvane_startup.exe", {}, {}, {}, {}},
   };
   for (const Program& program : programs) {
     if (::GetFileAttributesA(program.path.c_str()) == INVALID_FILE_ATTRIBUTES) {
@@ -134,6 +135,10 @@ int main(int argc, char** argv) {
       const std::size_t load = output.find("load_ms=");
       if (load != std::string::npos) {
         program.loadMs.push_back(std::atof(output.c_str() + load + 8));
+        const std::size_t rebuild = output.find("rebuild_ms=");
+        if (rebuild != std::string::npos) {
+          program.rebuildMs.push_back(std::atof(output.c_str() + rebuild + 11));
+        }
         program.lastReport = output.substr(0, output.find_first_of("\r\n"));
       }
     }
@@ -150,6 +155,13 @@ int main(int argc, char** argv) {
     std::fprintf(out,
                  "load routine inside the process: median %.1f ms, mean %.1f ms (last: %s)\n",
                  Median(quorvane.loadMs), Mean(quorvane.loadMs), quorvane.lastReport.c_str());
+  }
+  if (!quorvane.rebuildMs.empty() && !quorvane.loadMs.empty()) {
+    std::fprintf(out,
+                 "rebuild after a write of icons, same processes: median %.1f ms, mean %.1f ms: "
+                 "%.2fx the first load routine\n",
+                 Median(quorvane.rebuildMs), Mean(quorvane.rebuildMs),
+                 Median(quorvane.rebuildMs) / Median(quorvane.loadMs));
   }
   const bool complete = minimal.shownMs.size() == static_cast<std::size_t>(runs) &&
                         quorvane.shownMs.size() == static_cast<std::size_t>(runs);

@@ -5,7 +5,9 @@
 #   bash scripts/bench.sh import     ImportFromReg against `wine reg import`
 #   bash scripts/bench.sh resample   cDIBSection::Resample, natively
 #   bash scripts/bench.sh startup    quorvane.exe to its main window shown, against a minimal
-#                                    window program, under Wine in a virtual desktop on Xvfb
+#                                    window program, under Wine in a virtual desktop on Xvfb;
+#                                    and in the same processes the rebuild after a write of icons
+#                                    against the first load routine
 #   bash scripts/bench.sh switch     quorvane.exe's page and zone switches, click to the window
 #                                    repainted, under Wine in a virtual desktop on Xvfb
 #   bash scripts/bench.sh cabinet    packing the JPEGs of Debian's wallpaper packages into a

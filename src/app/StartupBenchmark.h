@@ -4,9 +4,10 @@
 //
 // That build takes "--startup-benchmark <event name>" on its command line. The flag and its value
 // are taken off before the entry reads the command line, so the start is the interactive one.
-// Once the window is shown, loaded, filled and painted, the build sets the named event, writes
-// one line to its standard output:
-//     load_ms=<the load routine's milliseconds> TvDesktop=<nodes> ILicons=<images>
+// Once the window is shown, loaded, filled and painted, the build sets the named event, times
+// the rebuild that follows a write of icons (trees and catalogue emptied, the load routine run
+// again, the category reopened), writes one line to its standard output:
+//     load_ms=<first load routine> rebuild_ms=<the rebuild> TvDesktop=<nodes> ILicons=<images>
 // and ends through the tray menu's "Exit". Without the flag it behaves as quorvane.exe.
 #ifdef QUORVANE_STARTUP_BENCHMARK
 #include <memory>

@@ -205,6 +205,10 @@ class FrmMain {
   // The tree's Click and DblClick routines, by the tree.
   void ClickOf(ui::TreeView& tree);
   void DblClickOf(ui::TreeView& tree);
+  // The rebuild after a write: the five trees, ILicons and IconRecords emptied, then the load
+  // routine run again with CategoryClickX kept across it.
+  void EmptyCatalogue();
+  void ReloadKeepingCategory();
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();
@@ -219,10 +223,6 @@ class FrmMain {
   ui::Control* FindControl(const std::string& name, std::int32_t index = -1) const;
 
  private:
-  // The rebuild after a write: the five trees, ILicons and IconRecords emptied, then the load
-  // routine run again with CategoryClickX kept across it.
-  void EmptyCatalogue();
-  void ReloadKeepingCategory();
 
   // Runs ResetHover, keeps the key and shows the picture, unless the key is already held.
   void Hover(const std::string& key, ui::PictureBox& box, std::int32_t picture);
