@@ -23,6 +23,8 @@ function(quorvane_gtest_executable name)
   target_link_libraries(${name} PRIVATE ${QUORVANE_PLATFORM} quorvane_gtest)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests
     ${CMAKE_SOURCE_DIR}/tests/conformance ${CMAKE_SOURCE_DIR}/tests/unit)
+  # Where the committed test pictures (tests/data) are, as a path of the build machine.
+  target_compile_definitions(${name} PRIVATE QUORVANE_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
   quorvane_target(${name})
   if(WIN32)
     add_test(NAME ${name} COMMAND ${name} --gtest_color=no)

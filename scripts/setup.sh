@@ -8,6 +8,7 @@ packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev
   wine wine64 xvfb xauth x11-utils fonts-wine imagemagick
   cabextract gcab libgcab-dev libz-mingw-w64-dev hyperfine
+  libturbojpeg0-dev libpng-dev libgif-dev
 )
 
 missing=()

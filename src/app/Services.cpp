@@ -11,6 +11,7 @@
 #include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Notification.h"
+#include "platform/win32/Win32Pictures.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
@@ -19,6 +20,7 @@
 #include "platform/win32/Win32WindowActions.h"
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
+#include "platform/win32/Win32Wallpaper.h"
 
 namespace quorvane::app {
 
@@ -52,6 +54,8 @@ void InstallWin32Services() {
   InstallForGood<platform::Application, platform::win32::Win32Application>();
   InstallForGood<platform::CollectionPackers, platform::Win32CollectionPackers>();
   InstallForGood<platform::ShellRequests, platform::win32::Win32ShellRequests>();
+  InstallForGood<platform::Pictures, platform::win32::Win32Pictures>();
+  InstallForGood<platform::Wallpaper, platform::win32::Win32Wallpaper>();
 }
 
 }  // namespace quorvane::app

@@ -24,6 +24,7 @@ enum class FailureNumber : std::int32_t {
   PathFileAccessError = 75,
   PathNotFound = 76,
   ObjectVariableNotSet = 91,
+  InvalidPicture = 481,
 };
 
 class Failure : public std::runtime_error {

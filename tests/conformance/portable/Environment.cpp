@@ -10,6 +10,7 @@
 
 #include "Support.h"
 #include "platform/Service.h"
+#include "platform/portable/DecodedPictures.h"
 #include "platform/portable/GcabCollectionPacker.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableClipboard.h"
@@ -23,6 +24,7 @@
 #include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableTray.h"
 #include "platform/portable/RecordingShellRequests.h"
+#include "platform/portable/RecordingWallpaper.h"
 
 namespace quorvane::testing {
 
@@ -49,6 +51,8 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::Tray>(&tray_);
     platform::Install<platform::CollectionPackers>(&packers_);
     platform::Install<platform::ShellRequests>(&shell_);
+    platform::Install<platform::Pictures>(&pictureFiles_);
+    platform::Install<platform::Wallpaper>(&wallpaper_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -69,6 +73,8 @@ class PortableEnvironment : public ::testing::Environment {
   platform::portable::PortableTray tray_;
   platform::GcabCollectionPackers packers_;
   platform::portable::RecordingShellRequests shell_;
+  platform::portable::DecodedPictures pictureFiles_;
+  platform::portable::RecordingWallpaper wallpaper_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

@@ -16,6 +16,7 @@
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Pictures.h"
 #include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32ProfileFiles.h"
 #include "platform/win32/Win32Registry.h"
@@ -23,6 +24,7 @@
 #include "platform/win32/Win32ShellRequests.h"
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
+#include "platform/win32/Win32Wallpaper.h"
 
 namespace quorvane::testing {
 
@@ -50,6 +52,8 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::Tray>(&tray_);
     platform::Install<platform::CollectionPackers>(&packers_);
     platform::Install<platform::ShellRequests>(&shell_);
+    platform::Install<platform::Pictures>(&pictureFiles_);
+    platform::Install<platform::Wallpaper>(&wallpaper_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -70,6 +74,8 @@ class Win32Environment : public ::testing::Environment {
   platform::win32::Win32Tray tray_;
   platform::Win32CollectionPackers packers_;
   platform::win32::Win32ShellRequests shell_;
+  platform::win32::Win32Pictures pictureFiles_;
+  platform::win32::Win32Wallpaper wallpaper_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

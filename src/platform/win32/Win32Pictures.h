@@ -1,0 +1,26 @@
+#pragma once
+// Pictures over the platform's OLE picture loader: the file's bytes go to OleLoadPicture through
+// a stream in memory, and the picture it makes is copied, or drawn, into 32-bit pixels of its
+// own size. An icon or cursor file with several images is cut down to its largest first, since
+// the loader would pick one of its own. The loader decodes PNG only on some systems; where it
+// refuses a PNG file, the Windows Imaging Component decodes it instead. Saving writes the same
+// bitmap file as the build without Windows.
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/Pictures.h"
+
+namespace quorvane::platform::win32 {
+
+class Win32Pictures final : public Pictures {
+ public:
+  ui::Pixels LoadPicture(const std::string& path) override;
+  void SavePicture(const ui::Pixels& picture, const std::string& path) override;
+};
+
+// The Windows Imaging Component's decoding of a picture in memory, as 32-bit pixels with alpha;
+// throws InvalidPicture (481) when it can't. The PNG path of LoadPicture.
+ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes);
+
+}  // namespace quorvane::platform::win32

@@ -1,0 +1,441 @@
+// Picture files decoded into pixels and pixels saved as bitmap files, by the decoder this build
+// has: the program's own readers with libjpeg-turbo, libpng and giflib natively, the platform's
+// OLE loader on Windows. Every picture is made here, byte by byte, or is one of the two JPEG
+// files in tests/data that were made for these tests; none comes from elsewhere.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "IcoFiles.h"
+#include "PictureFiles.h"
+#include "Support.h"
+#include "core/Failure.h"
+#include "platform/Pictures.h"
+#include "platform/Service.h"
+
+namespace quorvane::testing {
+namespace {
+
+namespace pf = picture_files;
+using platform::Pictures;
+using platform::Use;
+
+constexpr std::uint32_t kOpaque = 0xFF000000u;
+
+// A path of the machine the tests were built on, as this build reaches it: under Wine through
+// the drive Z:, which shows the host's root.
+std::string HostFile(const std::string& path) {
+#ifdef _WIN32
+  std::string out = "Z:" + path;
+  std::replace(out.begin(), out.end(), '/', '\\');
+  return out;
+#else
+  return path;
+#endif
+}
+
+std::string ReadBytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+std::string DataFile(const std::string& name) {
+  return HostFile(std::string(QUORVANE_SOURCE_DIR) + "/tests/data/" + name);
+}
+
+std::uint32_t At(const ui::Pixels& p, std::int32_t x, std::int32_t y) {
+  return p.bgra[static_cast<std::size_t>(y) * static_cast<std::size_t>(p.width) +
+                static_cast<std::size_t>(x)];
+}
+
+// Each channel, alpha too, within `tolerance` of the expected value.
+::testing::AssertionResult Near(std::uint32_t actual, std::uint32_t expected, int tolerance) {
+  for (int shift = 0; shift < 32; shift += 8) {
+    const int a = static_cast<int>((actual >> shift) & 0xFFu);
+    const int e = static_cast<int>((expected >> shift) & 0xFFu);
+    if (std::abs(a - e) > tolerance) {
+      return ::testing::AssertionFailure()
+             << std::hex << "0x" << actual << " is not within " << std::dec << tolerance
+             << " of 0x" << std::hex << expected;
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+class PicturesConformance : public ::testing::Test {
+ protected:
+  std::string folder_ = FreshTempFolder();
+
+  std::string Write(const std::string& name, const std::string& bytes) {
+    const std::string path = folder_ + name;
+    EXPECT_TRUE(WriteBytes(path, bytes));
+    return path;
+  }
+  ui::Pixels Load(const std::string& name, const std::string& bytes) {
+    return Use<Pictures>().LoadPicture(Write(name, bytes));
+  }
+  // The failure number of loading `path`, or 0 when it loads.
+  static std::int32_t LoadFailure(const std::string& path) {
+    try {
+      Use<Pictures>().LoadPicture(path);
+    } catch (const Failure& failure) {
+      return static_cast<std::int32_t>(failure.Number());
+    }
+    return 0;
+  }
+  std::vector<std::string> FolderNames() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+};
+
+// Six colours in three columns and two rows, so that the rows need padding at 24 bits.
+const std::vector<std::uint32_t> kSix = {0xFF0000, 0x00FF00, 0x0000FF,
+                                         0x123456, 0xFEDCBA, 0x808080};
+
+void ExpectColours(const ui::Pixels& p, std::int32_t width, std::int32_t height,
+                   const std::vector<std::uint32_t>& colours) {
+  ASSERT_EQ(p.width, width);
+  ASSERT_EQ(p.height, height);
+  ASSERT_EQ(p.bgra.size(), colours.size());
+  for (std::int32_t y = 0; y < height; ++y) {
+    for (std::int32_t x = 0; x < width; ++x) {
+      EXPECT_EQ(At(p, x, y), kOpaque | colours[static_cast<std::size_t>(y * width + x)])
+          << "at " << x << "," << y;
+    }
+  }
+}
+
+// --- bitmaps ----------------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, A24BitBitmapGivesItsPixelsOpaqueAndTopDown) {
+  ExpectColours(Load("six.bmp", pf::BitmapFile(3, 2, 24, kSix)), 3, 2, kSix);
+}
+
+TEST_F(PicturesConformance, ABitmapWhoseRowsAreStoredTopDownReadsTheSame) {
+  ExpectColours(Load("down.bmp", pf::BitmapFile(3, -2, 24, kSix)), 3, 2, kSix);
+}
+
+TEST_F(PicturesConformance, A32BitBitmapIsOpaqueWhateverItsFourthByte) {
+  ExpectColours(Load("wide.bmp", pf::BitmapFile(3, 2, 32, kSix)), 3, 2, kSix);
+}
+
+TEST_F(PicturesConformance, PaletteBitmapsOf8And4And1BitsLookTheirIndicesUp) {
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF,
+                                              0xFFFF00, 0x00FFFF, 0xFF00FF, 0xFFFFFF};
+  std::vector<std::uint32_t> indices;
+  for (std::uint32_t i = 0; i < 5 * 3; ++i) indices.push_back((i * 3) % 8);
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i : indices) colours.push_back(palette[i]);
+  ExpectColours(Load("eight.bmp", pf::BitmapFile(5, 3, 8, indices, palette)), 5, 3, colours);
+  ExpectColours(Load("four.dib", pf::BitmapFile(5, 3, 4, indices, palette)), 5, 3, colours);
+
+  std::vector<std::uint32_t> bits;
+  std::vector<std::uint32_t> mono;
+  for (std::uint32_t i = 0; i < 11 * 2; ++i) {
+    bits.push_back(i % 3 == 0 ? 1 : 0);
+    mono.push_back(i % 3 == 0 ? 0x00FF00 : 0x800000);
+  }
+  ExpectColours(Load("one.bmp", pf::BitmapFile(11, 2, 1, bits, {0x800000, 0x00FF00})), 11, 2,
+                mono);
+}
+
+TEST_F(PicturesConformance, RunLengthBitmapsOf8And4BitsUnpackRunsAndAbsoluteStretches) {
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF,
+                                              0xFFFFFF, 0x808080};
+  const std::int32_t width = 12;
+  const std::int32_t height = 4;
+  std::vector<std::uint32_t> indices;
+  for (std::int32_t y = 0; y < height; ++y) {
+    for (std::int32_t x = 0; x < width; ++x) {
+      // Runs on the left, a stretch of different pixels on the right.
+      indices.push_back(static_cast<std::uint32_t>(x < 6 ? 1 + y % 3 : 1 + (x + y) % 5));
+    }
+  }
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i : indices) colours.push_back(palette[i]);
+  const std::string rle8 = pf::RunLengthBitmap(width, height, false, indices, palette);
+  ASSERT_EQ(pf::Get32(rle8, 30), 1u);  // BI_RLE8
+  ExpectColours(Load("runs.rle", rle8), width, height, colours);
+  const std::string rle4 = pf::RunLengthBitmap(width, height, true, indices, palette);
+  ASSERT_EQ(pf::Get32(rle4, 30), 2u);  // BI_RLE4
+  ExpectColours(Load("runs4.bmp", rle4), width, height, colours);
+}
+
+// --- GIF --------------------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, AGifGivesItsFrameInItsColours) {
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0xABCDEF};
+  std::vector<std::uint32_t> indices;
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i = 0; i < 20 * 15; ++i) {
+    indices.push_back(i % 5);
+    colours.push_back(palette[i % 5]);
+  }
+  ExpectColours(Load("frame.gif", pf::GifFile(20, 15, palette, indices)), 20, 15, colours);
+  ExpectColours(Load("laced.gif", pf::GifFile(20, 15, palette, indices, true)), 20, 15, colours);
+}
+
+TEST_F(PicturesConformance, AGifsTransparentColourComesOutTransparent) {
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00};
+  std::vector<std::uint32_t> indices(8 * 8, 1);
+  for (std::size_t i = 0; i < indices.size(); i += 3) indices[i] = 2;
+  const ui::Pixels p = Load("clear.gif", pf::GifFile(8, 8, palette, indices, false, 2));
+  ASSERT_EQ(p.width, 8);
+  ASSERT_EQ(p.height, 8);
+  for (std::size_t i = 0; i < indices.size(); ++i) {
+    if (indices[i] == 2) {
+      EXPECT_EQ(p.bgra[i] >> 24, 0u) << "pixel " << i;
+    } else {
+      EXPECT_EQ(p.bgra[i], 0xFFFF0000u) << "pixel " << i;
+    }
+  }
+}
+
+// --- JPEG -------------------------------------------------------------------------------------
+
+void ExpectQuadrants(const ui::Pixels& p) {
+  ASSERT_EQ(p.width, 32);
+  ASSERT_EQ(p.height, 32);
+  EXPECT_TRUE(Near(At(p, 8, 8), 0xFFFF0000u, 12));
+  EXPECT_TRUE(Near(At(p, 24, 8), 0xFF00FF00u, 12));
+  EXPECT_TRUE(Near(At(p, 8, 24), 0xFF0000FFu, 12));
+  EXPECT_TRUE(Near(At(p, 24, 24), 0xFFFFFFFFu, 12));
+  EXPECT_TRUE(Near(At(p, 2, 29), 0xFF0000FFu, 24));
+}
+
+TEST_F(PicturesConformance, AJpegDecodesToItsSizeAndColoursWithinTheLossOfItsCoding) {
+  ExpectQuadrants(Use<Pictures>().LoadPicture(DataFile("quadrants.jpg")));
+  ExpectQuadrants(Use<Pictures>().LoadPicture(DataFile("quadrants-progressive.jpg")));
+}
+
+TEST_F(PicturesConformance, TheKindOfPictureIsToldByItsContentNotItsName) {
+  ExpectQuadrants(Load("photo.bmp", ReadBytes(DataFile("quadrants.jpg"))));
+  ExpectColours(Load("bitmap.jpg", pf::BitmapFile(3, 2, 24, kSix)), 3, 2, kSix);
+  ExpectColours(Load("bitmap", pf::BitmapFile(3, 2, 24, kSix)), 3, 2, kSix);
+  ExpectColours(Load("png.gif", pf::PngFile(3, 2, kSix)), 3, 2, kSix);
+}
+
+// --- PNG --------------------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, APngGivesItsPixels) {
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i = 0; i < 7 * 5; ++i) colours.push_back((i * 0x071B3Fu) & 0xFFFFFFu);
+  ExpectColours(Load("seven.png", pf::PngFile(7, 5, colours)), 7, 5, colours);
+}
+
+// --- icons and cursors ------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, AnIconGivesItsLargestImageWithTheMaskTransparent) {
+  IcoImage small = SolidImage(16, 8, 1, {0x000000, 0xFF0000});
+  IcoImage large = SolidImage(48, 24, 0x00FF00);
+  for (std::int32_t y = 0; y < 48; ++y) {
+    for (std::int32_t x = 0; x < 48; ++x) {
+      if (x < 8 && y < 8) large.mask[static_cast<std::size_t>(y * 48 + x)] = 1;
+      if (x < 8 && y < 8) large.pixels[static_cast<std::size_t>(y * 48 + x)] = 0;
+    }
+  }
+  IcoImage middle = SolidImage(32, 24, 0x0000FF);
+  const ui::Pixels p = Load("three.ico", IcoBytes({small, large, middle}));
+  ASSERT_EQ(p.width, 48);
+  ASSERT_EQ(p.height, 48);
+  EXPECT_EQ(At(p, 20, 20), 0xFF00FF00u);
+  EXPECT_EQ(At(p, 47, 47), 0xFF00FF00u);
+  EXPECT_EQ(At(p, 3, 3) >> 24, 0u);
+  EXPECT_EQ(At(p, 8, 3), 0xFF00FF00u);
+}
+
+TEST_F(PicturesConformance, ACursorFileReadsAsAnIcon) {
+  std::string bytes = IcoBytes({SolidImage(32, 8, 1, {0x000000, 0x3366CC})});
+  bytes[2] = 2;  // a cursor file
+  const ui::Pixels p = Load("pointer.cur", bytes);
+  ASSERT_EQ(p.width, 32);
+  ASSERT_EQ(p.height, 32);
+  EXPECT_EQ(At(p, 10, 10), 0xFF3366CCu);
+}
+
+TEST_F(PicturesConformance, AnIconMayHoldItsLargestImageAsPng) {
+  std::vector<std::uint32_t> colours(40 * 40, 0xC08040);
+  const std::string icon =
+      pf::IconFileOf({pf::PngFile(40, 40, colours), ico_detail::EntryData(SolidImage(16, 24, 0x0000FF))},
+                     {{{40, 40}}, {{16, 16}}});
+  const ui::Pixels p = Load("png.ico", icon);
+  ASSERT_EQ(p.width, 40);
+  ASSERT_EQ(p.height, 40);
+  EXPECT_EQ(At(p, 39, 0), 0xFFC08040u);
+}
+
+// --- failures ---------------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, AMissingFileIsFileNotFound) {
+  EXPECT_EQ(LoadFailure(folder_ + "absent.bmp"), 53);
+  EXPECT_EQ(LoadFailure(folder_ + "no folder" + (folder_.back() == '/' ? "/" : "\\") + "x.jpg"),
+            53);
+}
+
+TEST_F(PicturesConformance, WhatIsNoPictureIsAnInvalidPicture) {
+  std::string garbage;
+  for (int i = 0; i < 4000; ++i) garbage.push_back(static_cast<char>((i * 7919 + 13) % 251));
+  EXPECT_EQ(LoadFailure(Write("garbage.bmp", garbage)), 481);
+  EXPECT_EQ(LoadFailure(Write("empty.jpg", "")), 481);
+  EXPECT_EQ(LoadFailure(Write("text.gif", "Just some words, no picture at all.\r\n")), 481);
+  EXPECT_EQ(LoadFailure(Write("header.bmp", pf::BitmapFile(3, 2, 24, kSix).substr(0, 20))), 481);
+  EXPECT_EQ(LoadFailure(Write("magic.png", std::string("\x89PNG\r\n\x1A\n", 8))), 481);
+  EXPECT_EQ(LoadFailure(Write("magic.gif", "GIF89a")), 481);
+}
+
+TEST_F(PicturesConformance, PicturesCutShortAreInvalidPictures) {
+  std::vector<std::uint32_t> colours(64 * 64, 0x204060);
+  const std::string bmp = pf::BitmapFile(64, 64, 24, colours);
+  EXPECT_EQ(LoadFailure(Write("half.bmp", bmp.substr(0, bmp.size() / 2))), 481);
+  const std::string png = pf::PngFile(64, 64, colours);
+  EXPECT_EQ(LoadFailure(Write("half.png", png.substr(0, png.size() / 2))), 481);
+  std::vector<std::uint32_t> indices(64 * 64, 1);
+  const std::string gif = pf::GifFile(64, 64, {0, 0xFF0000}, indices);
+  EXPECT_EQ(LoadFailure(Write("half.gif", gif.substr(0, gif.size() / 2))), 481);
+  const std::string jpeg = ReadBytes(DataFile("quadrants.jpg"));
+  EXPECT_EQ(LoadFailure(Write("head.jpg", jpeg.substr(0, 100))), 481);
+  const std::string icon = IcoBytes({SolidImage(32, 24, 0x00FF00)});
+  EXPECT_EQ(LoadFailure(Write("half.ico", icon.substr(0, icon.size() / 2))), 481);
+}
+
+// --- saving -----------------------------------------------------------------------------------
+
+TEST_F(PicturesConformance, SavingWritesAn24BitBitmapBottomUpWithPaddedRows) {
+  const ui::Pixels loaded = Load("six.bmp", pf::BitmapFile(3, 2, 24, kSix));
+  const std::string saved = folder_ + "WP.bmp";
+  Use<Pictures>().SavePicture(loaded, saved);
+  const std::string bytes = ReadBytes(saved);
+  const std::size_t rowBytes = 12;  // three pixels of three bytes, padded to four
+  ASSERT_EQ(bytes.size(), 54u + 2 * rowBytes);
+  EXPECT_EQ(bytes.substr(0, 2), "BM");
+  EXPECT_EQ(pf::Get32(bytes, 2), bytes.size());  // bfSize
+  EXPECT_EQ(pf::Get32(bytes, 10), 54u);          // bfOffBits
+  EXPECT_EQ(pf::Get32(bytes, 14), 40u);          // biSize
+  EXPECT_EQ(pf::Get32(bytes, 18), 3u);           // biWidth
+  EXPECT_EQ(pf::Get32(bytes, 22), 2u);           // biHeight: positive, so bottom-up
+  EXPECT_EQ(pf::Get16(bytes, 26), 1u);           // biPlanes
+  EXPECT_EQ(pf::Get16(bytes, 28), 24u);          // biBitCount
+  EXPECT_EQ(pf::Get32(bytes, 30), 0u);           // BI_RGB
+  EXPECT_EQ(pf::Get32(bytes, 34), 2 * rowBytes);  // biSizeImage
+  EXPECT_EQ(pf::Get32(bytes, 46), 0u);           // no palette
+  // The first row in the file is the picture's bottom row, blue first in each pixel.
+  const std::string bottom = bytes.substr(54, rowBytes);
+  EXPECT_EQ(bottom, std::string("\x56\x34\x12\xBA\xDC\xFE\x80\x80\x80\0\0\0", 12));
+  const std::string top = bytes.substr(54 + rowBytes, rowBytes);
+  EXPECT_EQ(top, std::string("\0\0\xFF\0\xFF\0\xFF\0\0\0\0\0", 12));
+
+  EXPECT_EQ(Use<Pictures>().LoadPicture(saved), loaded);
+}
+
+TEST_F(PicturesConformance, EveryKindOfPictureSavesAsABitmapThatLoadsBackTheSame) {
+  const std::vector<std::string> made = {
+      Write("a.gif", pf::GifFile(5, 3, {0x102030, 0x405060, 0x708090},
+                                 {0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2})),
+      Write("b.png", pf::PngFile(3, 2, kSix)),
+      DataFile("quadrants.jpg"),
+  };
+  for (const std::string& path : made) {
+    const ui::Pixels loaded = Use<Pictures>().LoadPicture(path);
+    Use<Pictures>().SavePicture(loaded, folder_ + "WP.bmp");
+    EXPECT_EQ(Use<Pictures>().LoadPicture(folder_ + "WP.bmp"), loaded) << path;
+  }
+}
+
+TEST_F(PicturesConformance, SavingReplacesAFileAndLeavesNothingElse) {
+  const std::string saved = Write("WP.bmp", std::string(5000, 'x'));
+  ui::Pixels picture;
+  picture.width = 2;
+  picture.height = 2;
+  picture.bgra = {0xFF010203u, 0x80040506u, 0x00070809u, 0xFFFFFFFFu};
+  Use<Pictures>().SavePicture(picture, saved);
+  const std::string bytes = ReadBytes(saved);
+  ASSERT_EQ(bytes.size(), 54u + 2 * 8);
+  EXPECT_EQ(bytes.substr(54, 8), std::string("\x09\x08\x07\xFF\xFF\xFF\0\0", 8));
+  EXPECT_EQ(bytes.substr(62, 8), std::string("\x03\x02\x01\x06\x05\x04\0\0", 8));
+  EXPECT_EQ(FolderNames(), std::vector<std::string>{"WP.bmp"});
+}
+
+TEST_F(PicturesConformance, SavingIntoAMissingFolderFailsAndMakesNothing) {
+  const char sep = folder_.back();
+  const std::string missing = folder_ + "nowhere" + sep + "WP.bmp";
+  ui::Pixels picture;
+  picture.width = 1;
+  picture.height = 1;
+  picture.bgra = {0xFF000000u};
+  try {
+    Use<Pictures>().SavePicture(picture, missing);
+    ADD_FAILURE() << "saved into a missing folder";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Number(), FailureNumber::PathNotFound);
+  }
+  EXPECT_TRUE(FolderNames().empty());
+}
+
+TEST_F(PicturesConformance, SavingAnEmptyPictureIsAnInvalidCall) {
+  try {
+    Use<Pictures>().SavePicture(ui::Pixels{}, folder_ + "WP.bmp");
+    ADD_FAILURE() << "saved an empty picture";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Number(), FailureNumber::InvalidProcedureCall);
+  }
+  EXPECT_TRUE(FolderNames().empty());
+}
+
+// --- real wallpapers --------------------------------------------------------------------------
+
+// The size a JPEG's frame header or a PNG's IHDR gives, or 0 by 0.
+std::pair<std::int32_t, std::int32_t> DeclaredSize(const std::string& bytes) {
+  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(bytes[i]); };
+  const auto big16 = [&](std::size_t i) { return static_cast<std::int32_t>((byte(i) << 8) | byte(i + 1)); };
+  if (bytes.size() >= 24 && bytes.compare(0, 8, std::string("\x89PNG\r\n\x1A\n", 8)) == 0) {
+    return {(big16(16) << 16) | big16(18), (big16(20) << 16) | big16(22)};
+  }
+  std::size_t at = 2;
+  while (at + 9 < bytes.size()) {
+    if (byte(at) != 0xFF) return {0, 0};
+    const std::uint8_t marker = byte(at + 1);
+    if (marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC) {
+      return {big16(at + 7), big16(at + 5)};
+    }
+    at += 2 + static_cast<std::size_t>(big16(at + 2));
+  }
+  return {0, 0};
+}
+
+TEST_F(PicturesConformance, DebiansWallpapersDecodeToTheirTrueSize) {
+  const std::string folder = "/usr/share/backgrounds";
+  std::error_code ec;
+  if (!std::filesystem::is_directory(HostFile(folder), ec)) {
+    GTEST_SKIP() << folder << " is not there (no wallpaper package installed)";
+  }
+  int seen = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(HostFile(folder), ec)) {
+    const std::string name = entry.path().filename().string();
+    const std::string ext = entry.path().extension().string();
+    if (ext != ".jpg" && ext != ".png") continue;
+    const std::string path = HostFile(folder + "/" + name);
+    const auto [width, height] = DeclaredSize(ReadBytes(path));
+    ASSERT_GT(width, 0) << name;
+    const ui::Pixels p = Use<Pictures>().LoadPicture(path);
+    EXPECT_EQ(p.width, width) << name;
+    EXPECT_EQ(p.height, height) << name;
+    EXPECT_EQ(p.bgra.size(), static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    ++seen;
+  }
+  if (seen == 0) GTEST_SKIP() << folder << " holds no JPEG or PNG file";
+}
+
+}  // namespace
+}  // namespace quorvane::testing
