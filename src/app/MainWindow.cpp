@@ -5,6 +5,7 @@
 
 #include "app/Resources.h"
 #include "core/FrmMain.h"
+#include "icons/modextracticon.h"
 #include "platform/Application.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Service.h"
@@ -72,6 +73,8 @@ void MainWindow::Load() {
   loaded_ = true;
   window_.Create();
   ConnectApplication(form_.hWnd);
+  // The shell's icon picker is a modal dialog of the main window.
+  SetIconPickerOwner(form_.hWnd);
   LARGE_INTEGER frequency{};
   LARGE_INTEGER started{};
   LARGE_INTEGER ended{};
