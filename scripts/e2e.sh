@@ -115,7 +115,8 @@ at_scaling() {
 
 : >"$work/wine.log"
 echo "== end to end: run modes, controls, side effects (desktop $desktop on $DISPLAY)"
-drive "$work/run-modes.txt" run-modes "$shots_w"
+# The driver reads Wine's diagnostics of the programs it starts from the log they go to.
+drive "$work/run-modes.txt" run-modes "$shots_w" "$(winepath -w "$work/wine.log" 2>/dev/null)"
 echo "== end to end: the window on \"Windows XP\" (the Appearance page has its command), at 150 %"
 as_xp
 at_scaling 144

@@ -187,6 +187,11 @@ void ClickAt(POINT point) {
   SendMouse(point, {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
 }
 
+void DoubleClickAt(POINT point) {
+  SendMouse(point, {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP,
+                    MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
+}
+
 void MoveTo(POINT point) { SendMouse(point, {MOUSEEVENTF_MOVE}); }
 
 void DragFromTo(POINT from, POINT to) {

@@ -43,6 +43,10 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error);
 // A click of the left button at a point of the screen, as the user makes it.
 void ClickAt(POINT point);
 
+// A double click of the left button at a point of the screen: two clicks at the same point,
+// well within the system's double-click time.
+void DoubleClickAt(POINT point);
+
 // Moves the pointer to a point of the screen, as the user does, with no button pressed.
 void MoveTo(POINT point);
 

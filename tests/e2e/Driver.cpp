@@ -3,11 +3,13 @@
 // person would: through its top-level window, its controls found by their system names, its
 // process, the screen, and what the program leaves on the machine.
 //
-//   e2e_driver run-modes <result file> <screenshot folder>
+//   e2e_driver run-modes <result file> <screenshot folder> [<trace file>]
 //       Starts quorvane.exe once per run-mode case, checks it, ends it through the registered
 //       message "Quorvane.Exit", then checks what a run leaves behind, then drives one more run
-//       with the pointer (pages, zones, hover pictures: Navigation.cpp), and writes one line per
-//       case to the result file, then "N passed, M failed".
+//       with the pointer (pages, zones, hover pictures: Navigation.cpp) and one that changes an
+//       icon (IconChanges.cpp), and writes one line per case to the result file, then
+//       "N passed, M failed". The trace file is where Wine's diagnostics of the programs in the
+//       desktop go.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -29,6 +31,7 @@
 
 #include "Controls.h"
 #include "Desktop.h"
+#include "IconChanges.h"
 #include "Navigation.h"
 #include "Verdict.h"
 
@@ -469,7 +472,8 @@ Verdict CheckSideEffects(bool emptyIconRemoved, bool docValueRemoved) {
   return verdict;
 }
 
-int RunModes(const std::string& resultPath, const std::string& screenshotFolder) {
+int RunModes(const std::string& resultPath, const std::string& screenshotFolder,
+             const std::string& traceFile) {
   ResultFile result(resultPath);
   if (!result.IsOpen()) return 2;
   const std::string program = OwnFolder() + "quorvane.exe";
@@ -526,6 +530,8 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder)
   report("after the runs, on the machine", CheckSideEffects(emptyIconRemoved, docValueRemoved));
   // The window driven by the pointer: pages, zones, hover pictures.
   RunNavigation(program, screenshotFolder, "e2e-", Ending::ByPicMin, report);
+  // The icon page's buttons on the row "Briefcase".
+  RunIconChanges(program, screenshotFolder, traceFile, report);
   // The row of "My Computer" splits its icon's location before mending it: with no value at all
   // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();
@@ -588,7 +594,9 @@ int Exit(const std::string& resultPath, DWORD timeout) {
 
 int main(int argc, char** argv) {
   const std::string command = argc > 1 ? argv[1] : "";
-  if (command == "run-modes" && argc == 4) return RunModes(argv[2], argv[3]);
+  if (command == "run-modes" && (argc == 4 || argc == 5)) {
+    return RunModes(argv[2], argv[3], argc == 5 ? argv[4] : "");
+  }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));

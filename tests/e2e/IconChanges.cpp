@@ -1,0 +1,775 @@
+#include "IconChanges.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Controls.h"
+#include "Desktop.h"
+#include "Verdict.h"
+
+namespace quorvane::e2e {
+
+namespace {
+
+const char kClass[] = "QuorvaneMain";
+const char kText[] = "Quorvane";
+constexpr DWORD kAppearTimeout = 30000;
+constexpr DWORD kChangeTimeout = 3000;
+// CmdApply and CmdDefault rebuild the whole catalogue, and each row they write refreshes the
+// shell with broadcasts that may each wait for slow windows.
+constexpr DWORD kRebuildTimeout = 40000;
+constexpr DWORD kEndTimeout = 10000;
+// How long a click that must change nothing is given to show a change all the same.
+constexpr DWORD kNoChangeWait = 800;
+// A colour channel of the screen may differ this much from the picture it shows.
+constexpr int kTolerance = 8;
+
+const char kRow[] = "Briefcase";
+// The row reads its icon from the class id's DefaultIcon; writing it, the program writes the
+// Briefcase class's DefaultIcon first, then the class id's. Both are default values.
+const char kClassIconKey[] = "Briefcase\\DefaultIcon";
+const char kClassIdIconKey[] = "CLSID\\{85BBD920-42A0-1069-A2E4-08002B30309D}\\DefaultIcon";
+// The row's stock location: the same for "Windows Vista" and for every other version.
+const char kStockVista[] = "syncui.dll,0";
+const char kStockOther[] = "syncui.dll,0";
+// An icon library that every prefix has; the row starts on one of its icons, and another is
+// put in from outside before CmdApply. Which picture an index shows is not assumed: the driver
+// draws both itself.
+const char kLibrary[] = "C:\\windows\\system32\\shell32.dll";
+constexpr int kSeedIndex = 3;
+constexpr int kOutsideIndex = 4;
+// Without this value the shell refresh after every write fails; Windows has it.
+const char kWindowMetrics[] = "Control Panel\\Desktop\\WindowMetrics";
+const char kShellIconSize[] = "Shell Icon Size";
+const char kRestartMessage[] = "Please restart to apply the changes";
+// Wine's diagnostics of the shell for the program started here: its picker says in them that it
+// was asked, with the owner and the file it was given.
+const char kShellTrace[] = "-all,fixme+shell";
+const char kPickerTrace[] = "fixme:shell:PickIconDlg (";
+
+std::string Location(int index) { return std::string(kLibrary) + "," + std::to_string(index); }
+
+POINT Centre(const RECT& area) {
+  return POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
+std::string Shown(const std::optional<std::string>& value) {
+  return value ? "\"" + *value + "\"" : "no value";
+}
+
+// A registry value that the run sets or that the program writes, with the keys on its path:
+// put back when its owner goes, of the same type and bytes, and the keys that were not there
+// removed again, so that the prefix is left as the run found it.
+class SavedValue {
+ public:
+  SavedValue(HKEY root, std::string rootName, std::string key, std::string name)
+      : root_(root), rootName_(std::move(rootName)), key_(std::move(key)), name_(std::move(name)) {
+    std::size_t end = 0;
+    do {
+      end = key_.find('\\', end + 1);
+      const std::string path = key_.substr(0, end);
+      HKEY handle = nullptr;
+      if (::RegOpenKeyExA(root_, path.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
+        ::RegCloseKey(handle);
+      } else {
+        missing_.push_back(path);
+      }
+    } while (end != std::string::npos);
+    HKEY handle = nullptr;
+    if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
+      DWORD size = 0;
+      if (::RegQueryValueExA(handle, Name(), nullptr, &type_, nullptr, &size) == ERROR_SUCCESS) {
+        original_.resize(size);
+        existed_ = ::RegQueryValueExA(handle, Name(), nullptr, &type_,
+                                      original_.empty() ? nullptr : original_.data(),
+                                      &size) == ERROR_SUCCESS;
+        original_.resize(size);
+      }
+      ::RegCloseKey(handle);
+    }
+  }
+  ~SavedValue() {
+    if (existed_) {
+      Write(type_, original_.data(), original_.size());
+    } else {
+      HKEY handle = nullptr;
+      if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_SET_VALUE, &handle) == ERROR_SUCCESS) {
+        ::RegDeleteValueA(handle, Name());
+        ::RegCloseKey(handle);
+      }
+    }
+    // Innermost first; a key that has gained other keys meanwhile stays.
+    for (auto path = missing_.rbegin(); path != missing_.rend(); ++path) {
+      ::RegDeleteKeyA(root_, path->c_str());
+    }
+  }
+  SavedValue(const SavedValue&) = delete;
+  SavedValue& operator=(const SavedValue&) = delete;
+
+  // The value as text now; none when the key or the value is missing.
+  std::optional<std::string> Text() const {
+    HKEY handle = nullptr;
+    if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) {
+      return std::nullopt;
+    }
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    std::optional<std::string> text;
+    if (::RegQueryValueExA(handle, Name(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS) {
+      std::vector<BYTE> bytes(size + 1, 0);
+      if (::RegQueryValueExA(handle, Name(), nullptr, &type, bytes.data(), &size) ==
+          ERROR_SUCCESS) {
+        if (type == REG_SZ || type == REG_EXPAND_SZ) {
+          text = std::string(reinterpret_cast<const char*>(bytes.data()));
+        } else {
+          text = "(a value of type " + std::to_string(type) + ")";
+        }
+      }
+    }
+    ::RegCloseKey(handle);
+    return text;
+  }
+  bool Set(const std::string& value) const {
+    return Write(REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), value.size() + 1);
+  }
+  std::string Where() const {
+    return rootName_ + "\\" + key_ + (name_.empty() ? " (default value)" : " \"" + name_ + "\"");
+  }
+
+ private:
+  const char* Name() const { return name_.empty() ? nullptr : name_.c_str(); }
+  bool Write(DWORD type, const BYTE* data, std::size_t size) const {
+    HKEY handle = nullptr;
+    if (::RegCreateKeyExA(root_, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &handle,
+                          nullptr) != ERROR_SUCCESS) {
+      return false;
+    }
+    const LONG set = ::RegSetValueExA(handle, Name(), 0, type, data, static_cast<DWORD>(size));
+    ::RegCloseKey(handle);
+    return set == ERROR_SUCCESS;
+  }
+
+  HKEY root_;
+  std::string rootName_;
+  std::string key_;
+  std::string name_;
+  std::vector<std::string> missing_;
+  bool existed_ = false;
+  DWORD type_ = REG_NONE;
+  std::vector<BYTE> original_;
+};
+
+// An environment variable set for the programs started meanwhile, and put back afterwards.
+class EnvironmentSetting {
+ public:
+  EnvironmentSetting(std::string name, const std::string& value) : name_(std::move(name)) {
+    char buffer[1024] = {};
+    const DWORD length = ::GetEnvironmentVariableA(name_.c_str(), buffer, sizeof buffer);
+    if (length > 0 && length < sizeof buffer) previous_ = std::string(buffer, length);
+    ::SetEnvironmentVariableA(name_.c_str(), value.c_str());
+  }
+  ~EnvironmentSetting() {
+    ::SetEnvironmentVariableA(name_.c_str(), previous_ ? previous_->c_str() : nullptr);
+  }
+  EnvironmentSetting(const EnvironmentSetting&) = delete;
+  EnvironmentSetting& operator=(const EnvironmentSetting&) = delete;
+
+ private:
+  std::string name_;
+  std::optional<std::string> previous_;
+};
+
+// One request to the platform's icon picker, as Wine's diagnostics tell it.
+struct PickerRequest {
+  std::uintptr_t owner = 0;
+  std::string file;
+};
+
+std::string FileText(const std::string& path) {
+  std::string text;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    char buffer[4096];
+    std::size_t read = 0;
+    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
+    std::fclose(file);
+  }
+  return text;
+}
+
+// The picker's requests in `text`. A line reads
+//   0144:fixme:shell:PickIconDlg (0000000000010068,L"C:\\windows\\...\\shell32.dll",260,...):stub.
+// with the owner window, then the file as a quoted, escaped string.
+std::vector<PickerRequest> PickerRequests(const std::string& text) {
+  std::vector<PickerRequest> requests;
+  const std::string marker = kPickerTrace;
+  for (std::size_t at = text.find(marker); at != std::string::npos;
+       at = text.find(marker, at + 1)) {
+    PickerRequest request;
+    const std::size_t owner = at + marker.size();
+    request.owner = static_cast<std::uintptr_t>(std::strtoull(text.c_str() + owner, nullptr, 16));
+    std::size_t quote = text.find("L\"", owner);
+    const std::size_t lineEnd = text.find('\n', owner);
+    if (quote != std::string::npos && quote < lineEnd) {
+      for (std::size_t i = quote + 2; i < text.size() && text[i] != '"' && text[i] != '\n'; ++i) {
+        if (text[i] == '\\' && i + 1 < text.size()) ++i;
+        request.file += text[i];
+      }
+    }
+    requests.push_back(std::move(request));
+  }
+  return requests;
+}
+
+bool Close(std::uint32_t a, std::uint32_t b) {
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const int x = static_cast<int>((a >> shift) & 0xFF);
+    const int y = static_cast<int>((b >> shift) & 0xFF);
+    if (std::abs(x - y) > kTolerance) return false;
+  }
+  return true;
+}
+
+// Icon `index` of `file` drawn the way the preview sIcon draws a row's icon: the small icon at
+// (1, 1), at its own size, on the box's back colour. False, with `error`, when the file gives
+// no such icon.
+bool DrawnIcon(const std::string& file, int index, int width, int height, std::uint32_t background,
+               std::vector<std::uint32_t>& pixels, std::string& error) {
+  // Both sizes in one request, as the program asks: Wine answers a request for the small icon
+  // alone with another picture.
+  HICON large = nullptr;
+  HICON small = nullptr;
+  if (::ExtractIconExA(file.c_str(), index, &large, &small, 1) < 1 || small == nullptr) {
+    if (large != nullptr) ::DestroyIcon(large);
+    if (small != nullptr) ::DestroyIcon(small);
+    error = "no icon " + std::to_string(index) + " in " + file;
+    return false;
+  }
+  if (large != nullptr) ::DestroyIcon(large);
+  HDC screen = ::GetDC(nullptr);
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;  // top-down
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  info.bmiHeader.biCompression = BI_RGB;
+  void* bits = nullptr;
+  HDC memory = ::CreateCompatibleDC(screen);
+  HBITMAP surface = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  bool drawn = false;
+  if (memory != nullptr && surface != nullptr) {
+    HGDIOBJ previous = ::SelectObject(memory, surface);
+    RECT all{0, 0, width, height};
+    HBRUSH brush = ::CreateSolidBrush(
+        RGB((background >> 16) & 0xFF, (background >> 8) & 0xFF, background & 0xFF));
+    ::FillRect(memory, &all, brush);
+    ::DeleteObject(brush);
+    drawn = ::DrawIconEx(memory, 1, 1, small, 0, 0, 0, nullptr, DI_NORMAL) != 0;
+    ::GdiFlush();
+    const auto* first = static_cast<const std::uint32_t*>(bits);
+    pixels.assign(first,
+                  first + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
+    ::SelectObject(memory, previous);
+  }
+  if (surface != nullptr) ::DeleteObject(surface);
+  if (memory != nullptr) ::DeleteDC(memory);
+  ::ReleaseDC(nullptr, screen);
+  ::DestroyIcon(small);
+  if (!drawn) error = "icon " + std::to_string(index) + " of " + file + " could not be drawn";
+  return drawn;
+}
+
+int Differences(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b) {
+  if (a.size() != b.size()) return static_cast<int>(std::max(a.size(), b.size()));
+  int different = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) different += Close(a[i], b[i]) ? 0 : 1;
+  return different;
+}
+
+struct DialogSearch {
+  DWORD processId;
+  HWND found;
+};
+
+// The first shown top-level dialog window (class "#32770") of the process: the picker or a
+// message box.
+HWND DialogOf(DWORD processId) {
+  DialogSearch search{processId, nullptr};
+  ::EnumWindows(
+      [](HWND window, LPARAM data) -> BOOL {
+        auto& s = *reinterpret_cast<DialogSearch*>(data);
+        DWORD owner = 0;
+        ::GetWindowThreadProcessId(window, &owner);
+        if (owner == s.processId && ::IsWindowVisible(window) != 0 &&
+            ClassNameOf(window) == "#32770") {
+          s.found = window;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+// The texts of a dialog's static controls, in order, joined by " | ".
+std::string DialogText(HWND dialog) {
+  std::string text;
+  ::EnumChildWindows(
+      dialog,
+      [](HWND child, LPARAM data) -> BOOL {
+        auto& t = *reinterpret_cast<std::string*>(data);
+        const std::string shown = TextOf(child);
+        if (ClassNameOf(child) == "Static" && !shown.empty()) t += (t.empty() ? "" : " | ") + shown;
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&text));
+  return text;
+}
+
+// The registry values of the row: the class's DefaultIcon and the class id's.
+struct RowKeys {
+  std::optional<std::string> classIcon;
+  std::optional<std::string> classIdIcon;
+  bool operator==(const RowKeys&) const = default;
+};
+
+class IconSession {
+ public:
+  IconSession(HWND window, const Child& child, std::string shots, std::string trace,
+              const SavedValue& classIcon, const SavedValue& classIdIcon)
+      : window_(window),
+        child_(child),
+        shots_(std::move(shots)),
+        trace_(std::move(trace)),
+        classIcon_(classIcon),
+        classIdIcon_(classIdIcon) {}
+
+  RowKeys Keys() const { return RowKeys{classIcon_.Text(), classIdIcon_.Text()}; }
+  std::string Describe(const RowKeys& keys) const {
+    return classIcon_.Where() + " " + Shown(keys.classIcon) + ", " + classIdIcon_.Where() + " " +
+           Shown(keys.classIdIcon);
+  }
+
+  // The nodes of TvDesktop, and the place of the row among them (from 1; 0 when it has none).
+  bool Nodes(Verdict& verdict, std::vector<RemoteItem>& items, int& position) {
+    HWND tree = FindControl(window_, "TvDesktop");
+    if (!verdict.Check(tree != nullptr && ::IsWindowVisible(tree) != 0,
+                       "TvDesktop is not found, or not visible")) {
+      return false;
+    }
+    int count = 0;
+    std::string error;
+    if (!verdict.Check(ReadTreeView(tree, items, count, error), "TvDesktop unreadable: " + error)) {
+      return false;
+    }
+    position = 0;
+    for (std::size_t i = 0; i < items.size() && position == 0; ++i) {
+      if (items[i].text == kRow) position = static_cast<int>(i) + 1;
+    }
+    return verdict.Check(position != 0, std::string("TvDesktop has no node \"") + kRow + "\"");
+  }
+
+  // The centre of the row's node on the screen.
+  bool RowPoint(Verdict& verdict, int position, POINT& point) {
+    RECT item{};
+    std::string error;
+    if (!verdict.Check(TreeItemRect(FindControl(window_, "TvDesktop"), position, item, error),
+                       "TvDesktop: " + error)) {
+      return false;
+    }
+    point = Centre(item);
+    return true;
+  }
+
+  // Whether the row's node is the selected one.
+  bool RowSelected() {
+    Verdict ignored;
+    std::vector<RemoteItem> items;
+    int position = 0;
+    return Nodes(ignored, items, position) &&
+           items[static_cast<std::size_t>(position) - 1].selected;
+  }
+
+  // Selects the row with a click on its node.
+  bool SelectRow(Verdict& verdict) {
+    std::vector<RemoteItem> items;
+    int position = 0;
+    POINT point{};
+    if (!Nodes(verdict, items, position) || !RowPoint(verdict, position, point)) return false;
+    ClickAt(point);
+    return verdict.Check(WaitUntil(kChangeTimeout, [&] { return RowSelected(); }),
+                         std::string("a click on \"") + kRow + "\" did not select it");
+  }
+
+  // How many pixels of the preview sIcon differ from icon `index` of the library drawn as the
+  // preview draws it; -1, with `seen`, when it can't be compared.
+  int PreviewDifference(int index, std::string& seen) {
+    HWND box = FindControl(window_, "sIcon");
+    if (box == nullptr || ::IsWindowVisible(box) == 0) {
+      seen = "sIcon is not found, or not visible";
+      return -1;
+    }
+    RECT inside{};
+    ::GetClientRect(box, &inside);
+    ::MapWindowPoints(box, nullptr, reinterpret_cast<POINT*>(&inside), 2);
+    std::vector<std::uint32_t> shown;
+    std::vector<std::uint32_t> expected;
+    if (!CaptureScreen(inside, shown, seen) ||
+        !DrawnIcon(kLibrary, index, inside.right - inside.left, inside.bottom - inside.top,
+                   shown.front(), expected, seen)) {
+      return -1;
+    }
+    const int different = Differences(shown, expected);
+    seen = std::to_string(different) + " of " + std::to_string(shown.size()) + " pixels of sIcon " +
+           e2e::Describe(inside) + " differ from icon " + std::to_string(index) + " of " + kLibrary;
+    return different;
+  }
+
+  // Waits until the preview shows icon `index` of the library.
+  bool PreviewShows(Verdict& verdict, int index, const std::string& when) {
+    std::string seen;
+    const bool shows =
+        WaitUntil(kChangeTimeout, [&] { return PreviewDifference(index, seen) == 0; });
+    return verdict.Check(
+        shows, "sIcon does not show icon " + std::to_string(index) + " " + when + ": " + seen);
+  }
+
+  // Whether icons a and b of the library look different in the preview; were they alike, no
+  // check of the preview could tell them apart.
+  bool IconsDiffer(Verdict& verdict, int a, int b) {
+    HWND box = FindControl(window_, "sIcon");
+    RECT inside{};
+    if (box != nullptr) ::GetClientRect(box, &inside);
+    std::vector<std::uint32_t> first;
+    std::vector<std::uint32_t> second;
+    std::string error;
+    const int width = std::max(18L, inside.right);
+    const int height = std::max(18L, inside.bottom);
+    if (!verdict.Check(DrawnIcon(kLibrary, a, width, height, 0xFFFFFF, first, error) &&
+                           DrawnIcon(kLibrary, b, width, height, 0xFFFFFF, second, error),
+                       error)) {
+      return false;
+    }
+    return verdict.Check(Differences(first, second) > 0,
+                         "icons " + std::to_string(a) + " and " + std::to_string(b) + " of " +
+                             kLibrary + " look alike: the preview can't tell them apart");
+  }
+
+  // The picker's requests told in the trace since `from` (a size of the trace file).
+  std::vector<PickerRequest> PickerRequestsSince(std::size_t from) const {
+    const std::string text = FileText(trace_);
+    return PickerRequests(text.size() > from ? text.substr(from) : std::string());
+  }
+  std::size_t TraceSize() const { return FileText(trace_).size(); }
+  bool HasTrace() const { return !trace_.empty(); }
+
+  // After a request for the picker: a dialog of the program's owned by the main window, or, from
+  // a picker that answers at once, the request in the trace and no dialog. Either way the row is
+  // unchanged as long as nothing was picked, which this driver does not do.
+  void PickerAsked(Verdict& verdict, std::size_t traceFrom, const std::string& shot) {
+    std::vector<PickerRequest> requests;
+    HWND dialog = nullptr;
+    WaitUntil(kChangeTimeout, [&] {
+      dialog = DialogOf(child_.id);
+      if (dialog != nullptr) return true;
+      if (!HasTrace()) return false;
+      requests = PickerRequestsSince(traceFrom);
+      return !requests.empty();
+    });
+    if (dialog == nullptr) {
+      ::Sleep(300);  // a dialog would have been made before the request was told
+      dialog = DialogOf(child_.id);
+    }
+    SaveShot(verdict, shot);
+    if (dialog != nullptr) {
+      const HWND owner = ::GetWindow(dialog, GW_OWNER);
+      verdict.Check(false, "a picker dialog appeared (owned by the main window: " +
+                               std::string(owner == window_ ? "yes" : "no") +
+                               "); choosing an icon in it is not driven here");
+      if (HWND cancel = ::GetDlgItem(dialog, IDCANCEL)) ClickAt(Centre(ScreenRect(cancel)));
+      WaitUntil(kChangeTimeout, [&] { return ::IsWindowVisible(dialog) == 0; });
+      return;
+    }
+    if (!HasTrace()) {
+      verdict.Check(false,
+                    "no dialog appeared, and without the platform's trace nothing tells "
+                    "whether the picker was asked");
+      return;
+    }
+    if (!verdict.Check(requests.size() == 1,
+                       std::to_string(requests.size()) +
+                           " requests to the picker in the trace, not 1, and no dialog")) {
+      return;
+    }
+    const PickerRequest& request = requests.front();
+    verdict.Check(request.owner == reinterpret_cast<std::uintptr_t>(window_),
+                  "the picker was asked with the owner window " + std::to_string(request.owner) +
+                      ", not the main window " +
+                      std::to_string(reinterpret_cast<std::uintptr_t>(window_)));
+    verdict.Check(request.file == kLibrary, "the picker was asked with the file \"" + request.file +
+                                                "\", not the row's \"" + kLibrary + "\"");
+    verdict.Note("the platform's picker was asked with the row's file " + request.file +
+                 " and the main window as owner, and answered at once without a dialog");
+  }
+
+  // The row as it was: its node neither bold nor showing another image, no node bold, the
+  // preview on the row's icon, and its registry values as they were.
+  void RowUnchanged(Verdict& verdict, const std::vector<RemoteItem>& before,
+                    const RowKeys& keysBefore, int index) {
+    std::vector<RemoteItem> items;
+    int position = 0;
+    if (Nodes(verdict, items, position)) {
+      const RemoteItem& node = items[static_cast<std::size_t>(position) - 1];
+      const RemoteItem& was = before[static_cast<std::size_t>(position) - 1];
+      verdict.Check(!node.bold, std::string("\"") + kRow + "\" is bold");
+      verdict.Check(node.image == was.image && node.selectedImage == was.selectedImage,
+                    std::string("\"") + kRow + "\" shows image " + std::to_string(node.image) +
+                        "/" + std::to_string(node.selectedImage) + ", not " +
+                        std::to_string(was.image) + "/" + std::to_string(was.selectedImage));
+      for (const RemoteItem& item : items) {
+        verdict.Check(!item.bold, "the node \"" + item.text + "\" is bold");
+      }
+    }
+    PreviewShows(verdict, index, "afterwards");
+    const RowKeys keys = Keys();
+    verdict.Check(keys == keysBefore,
+                  "the registry changed: " + Describe(keys) + ", before " + Describe(keysBefore));
+  }
+
+  // Clicks the command button `name`.
+  bool ClickCommand(Verdict& verdict, const std::string& name) {
+    HWND button = FindControl(window_, name);
+    if (!verdict.Check(button != nullptr && ::IsWindowVisible(button) != 0,
+                       name + " is not found, or not visible")) {
+      return false;
+    }
+    ClickAt(Centre(ScreenRect(button)));
+    return true;
+  }
+
+  // The message of a rebuild: its box appears with the text, is photographed, and is closed
+  // with a click on its OK button.
+  void RestartMessage(Verdict& verdict, const std::string& shot) {
+    HWND box = nullptr;
+    const bool shown =
+        WaitUntil(kRebuildTimeout, [&] { return (box = DialogOf(child_.id)) != nullptr; });
+    if (!verdict.Check(shown,
+                       "no message box within " + std::to_string(kRebuildTimeout / 1000) + " s")) {
+      SaveShot(verdict, shot);
+      return;
+    }
+    std::string text;
+    const bool right =
+        WaitUntil(kChangeTimeout, [&] { return (text = DialogText(box)) == kRestartMessage; });
+    verdict.Check(right, "the message box says \"" + text + "\", not \"" + kRestartMessage + "\"");
+    ::Sleep(300);  // let it paint before the picture is taken
+    SaveShot(verdict, shot);
+    HWND ok = ::GetDlgItem(box, IDOK);
+    if (!verdict.Check(ok != nullptr && ::IsWindowVisible(ok) != 0,
+                       "the message box has no OK button")) {
+      ::PostMessageA(box, WM_COMMAND, IDOK, 0);
+    } else {
+      ClickAt(Centre(ScreenRect(ok)));
+    }
+    verdict.Check(WaitUntil(kChangeTimeout,
+                            [&] { return ::IsWindow(box) == 0 || ::IsWindowVisible(box) == 0; }),
+                  "the message box is still shown after a click on OK");
+  }
+
+  // After a rebuild: TvDesktop filled again, the row there, and no node bold.
+  void Rebuilt(Verdict& verdict, std::size_t nodesBefore) {
+    std::vector<RemoteItem> items;
+    int position = 0;
+    if (!Nodes(verdict, items, position)) return;
+    verdict.Check(items.size() == nodesBefore, "TvDesktop has " + std::to_string(items.size()) +
+                                                   " nodes after the rebuild, not " +
+                                                   std::to_string(nodesBefore));
+    for (const RemoteItem& item : items) {
+      verdict.Check(!item.bold, "the node \"" + item.text + "\" is bold after the rebuild");
+    }
+  }
+
+  bool SaveShot(Verdict& verdict, const std::string& name) {
+    std::string error;
+    return verdict.Check(SaveScreen(shots_ + "\\" + name + ".bmp", error),
+                         "no screenshot " + name + ": " + error);
+  }
+
+  // --- the cases -----------------------------------------------------------------------------
+
+  // A double click on the row asks the picker for a new icon, starting on the row's icon.
+  Verdict DoubleClickCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    POINT point{};
+    if (!Nodes(verdict, before, position) || !RowPoint(verdict, position, point)) return verdict;
+    const RowKeys keys = Keys();
+    const std::size_t traceFrom = HasTrace() ? TraceSize() : 0;
+    DoubleClickAt(point);
+    verdict.Check(WaitUntil(kChangeTimeout, [&] { return RowSelected(); }),
+                  std::string("the double click did not select \"") + kRow + "\"");
+    PickerAsked(verdict, traceFrom, "e2e-icon-dblclick");
+    RowUnchanged(verdict, before, keys, kSeedIndex);
+    return verdict;
+  }
+
+  // CmdChange with the row selected asks the picker the same way.
+  Verdict ChangeCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    if (!Nodes(verdict, before, position)) return verdict;
+    verdict.Check(before[static_cast<std::size_t>(position) - 1].selected,
+                  std::string("\"") + kRow + "\" is not selected before CmdChange");
+    const RowKeys keys = Keys();
+    const std::size_t traceFrom = HasTrace() ? TraceSize() : 0;
+    if (!ClickCommand(verdict, "CmdChange")) return verdict;
+    PickerAsked(verdict, traceFrom, "e2e-icon-change");
+    RowUnchanged(verdict, before, keys, kSeedIndex);
+    return verdict;
+  }
+
+  // CmdReset on a node that is not bold does nothing: no image, preview or registry value
+  // changes, and no message.
+  Verdict ResetCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    if (!Nodes(verdict, before, position)) return verdict;
+    const RowKeys keys = Keys();
+    if (!ClickCommand(verdict, "CmdReset")) return verdict;
+    ::Sleep(kNoChangeWait);
+    verdict.Check(DialogOf(child_.id) == nullptr, "a dialog appeared after CmdReset");
+    std::vector<RemoteItem> after;
+    if (Nodes(verdict, after, position)) {
+      bool same = after.size() == before.size();
+      for (std::size_t i = 0; same && i < after.size(); ++i) {
+        same = after[i].text == before[i].text && after[i].image == before[i].image &&
+               after[i].selectedImage == before[i].selectedImage &&
+               after[i].bold == before[i].bold && after[i].selected == before[i].selected;
+      }
+      verdict.Check(same, "TvDesktop changed after CmdReset on a node that is not bold");
+    }
+    RowUnchanged(verdict, before, keys, kSeedIndex);
+    verdict.Note(std::string("\"") + kRow + "\" not bold: CmdReset changed nothing");
+    return verdict;
+  }
+
+  // CmdApply with nothing staged writes nothing, and still rebuilds the catalogue from the
+  // registry and shows its message: the row's icon changed from outside meanwhile is what the
+  // rebuilt row shows.
+  Verdict ApplyCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    if (!Nodes(verdict, before, position) || !IconsDiffer(verdict, kSeedIndex, kOutsideIndex)) {
+      return verdict;
+    }
+    const std::string outside = Location(kOutsideIndex);
+    if (!verdict.Check(classIdIcon_.Set(outside), "could not set " + classIdIcon_.Where())) {
+      return verdict;
+    }
+    // The row still holds what it read at the start.
+    PreviewShows(verdict, kSeedIndex, "before CmdApply");
+    const RowKeys keys = Keys();
+    if (!ClickCommand(verdict, "CmdApply")) return verdict;
+    RestartMessage(verdict, "e2e-icon-applied");
+    verdict.Check(Keys() == keys, "CmdApply with nothing staged changed the registry: " +
+                                      Describe(Keys()) + ", before " + Describe(keys));
+    Rebuilt(verdict, before.size());
+    if (SelectRow(verdict)) PreviewShows(verdict, kOutsideIndex, "after the rebuild");
+    verdict.Note("no node bold: nothing written (" + Describe(keys) +
+                 "), the message shown, and the rebuilt row shows the icon set from outside");
+    return verdict;
+  }
+
+  // CmdDefault with the row selected writes the row's stock location to both of its keys.
+  Verdict DefaultCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    if (!Nodes(verdict, before, position) || !SelectRow(verdict)) return verdict;
+    const std::string stock = TakesItselfForVista() ? kStockVista : kStockOther;
+    if (!ClickCommand(verdict, "CmdDefault")) return verdict;
+    RestartMessage(verdict, "e2e-icon-default");
+    const RowKeys keys = Keys();
+    verdict.Check(keys.classIcon == stock && keys.classIdIcon == stock,
+                  "after CmdDefault: " + Describe(keys) + ", not \"" + stock + "\" in both");
+    Rebuilt(verdict, before.size());
+    verdict.Note("both keys hold the stock \"" + stock + "\", the message shown, no node bold");
+    return verdict;
+  }
+
+ private:
+  HWND window_;
+  const Child& child_;
+  std::string shots_;
+  std::string trace_;
+  const SavedValue& classIcon_;
+  const SavedValue& classIdIcon_;
+};
+
+}  // namespace
+
+void RunIconChanges(const std::string& program, const std::string& screenshotFolder,
+                    const std::string& traceFile, const Report& report) {
+  // Every value the cases touch is put back when these go, after the program has ended.
+  SavedValue iconSize(HKEY_CURRENT_USER, "HKEY_CURRENT_USER", kWindowMetrics, kShellIconSize);
+  SavedValue classIcon(HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT", kClassIconKey, "");
+  SavedValue classIdIcon(HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT", kClassIdIconKey, "");
+  Verdict start;
+  start.Check(iconSize.Set("32"), "could not set " + iconSize.Where());
+  start.Check(classIdIcon.Set(Location(kSeedIndex)), "could not set " + classIdIcon.Where());
+
+  Child child;
+  std::string error;
+  HWND window = nullptr;
+  if (start.Passed()) {
+    // The program's shell diagnostics go to the trace, where the picker tells its requests.
+    EnvironmentSetting trace("WINEDEBUG", kShellTrace);
+    start.Check(StartProgram(program, "", child, error), "not started: " + error);
+  }
+  if (start.Passed()) {
+    start.Check(WaitUntil(kAppearTimeout,
+                          [&] {
+                            window = FindTopLevelWindow(child.id, kClass, kText);
+                            return (window != nullptr && ::IsWindowVisible(window) != 0) ||
+                                   !IsRunning(child);
+                          }) &&
+                    window != nullptr && ::IsWindowVisible(window) != 0,
+                "the main window was not shown");
+  }
+  if (!start.Passed()) {
+    report("icons: start", start);
+    if (child.process) Terminate(child);
+    return;
+  }
+  ::Sleep(500);  // let it paint
+  IconSession session(window, child, screenshotFolder, traceFile, classIcon, classIdIcon);
+  report(std::string("icons: double click on \"") + kRow + "\"", session.DoubleClickCase());
+  report(std::string("icons: CmdChange on \"") + kRow + "\"", session.ChangeCase());
+  report(std::string("icons: CmdReset on \"") + kRow + "\", not bold", session.ResetCase());
+  report("icons: CmdApply with nothing staged", session.ApplyCase());
+  report(std::string("icons: CmdDefault on \"") + kRow + "\"", session.DefaultCase());
+
+  Verdict end;
+  end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
+  DWORD exitCode = 0;
+  if (!end.Check(WaitForEnd(child, kEndTimeout, exitCode), "the process did not end")) {
+    Terminate(child);
+  }
+  if (!end.Passed()) report("icons: end", end);
+}
+
+}  // namespace quorvane::e2e
