@@ -113,7 +113,8 @@ const IconDirectoryEntry& LargestIconEntry(const std::vector<IconDirectoryEntry>
 std::vector<std::uint8_t> SingleEntryIconFile(std::span<const std::uint8_t> bytes,
                                               const IconDirectoryEntry& entry) {
   constexpr std::uint32_t kDataOffset = 6 + 16;
-  std::vector<std::uint8_t> out(kDataOffset, 0);
+  const auto data = bytes.subspan(entry.offset, entry.size);
+  std::vector<std::uint8_t> out(kDataOffset + data.size(), 0);
   out[2] = bytes[2];  // the type: icon or cursor
   out[3] = bytes[3];
   out[4] = 1;
@@ -131,8 +132,7 @@ std::vector<std::uint8_t> SingleEntryIconFile(std::span<const std::uint8_t> byte
   for (int i = 0; i < 4; ++i) {
     out[18 + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>((kDataOffset >> (8 * i)) & 0xFFu);
   }
-  const auto data = bytes.subspan(entry.offset, entry.size);
-  out.insert(out.end(), data.begin(), data.end());
+  std::copy(data.begin(), data.end(), out.begin() + kDataOffset);
   return out;
 }
 

@@ -235,6 +235,22 @@ TEST_F(PicturesConformance, APngGivesItsPixels) {
   ExpectColours(Load("seven.png", pf::PngFile(7, 5, colours)), 7, 5, colours);
 }
 
+TEST_F(PicturesConformance, APngsTransparentPixelsAreTransparentAndTheOthersKeepTheirColour) {
+  const std::vector<std::uint32_t> colours(6 * 4, 0x2080C0);
+  std::vector<std::uint8_t> alpha(colours.size(), 0xFF);
+  for (std::size_t i = 0; i < alpha.size(); i += 5) alpha[i] = 0;
+  const ui::Pixels p = Load("holes.png", pf::PngFile(6, 4, colours, alpha));
+  ASSERT_EQ(p.width, 6);
+  ASSERT_EQ(p.height, 4);
+  for (std::size_t i = 0; i < alpha.size(); ++i) {
+    if (alpha[i] == 0) {
+      EXPECT_EQ(p.bgra[i] >> 24, 0u) << "pixel " << i;
+    } else {
+      EXPECT_EQ(p.bgra[i], 0xFF2080C0u) << "pixel " << i;
+    }
+  }
+}
+
 // --- icons and cursors ------------------------------------------------------------------------
 
 TEST_F(PicturesConformance, AnIconGivesItsLargestImageWithTheMaskTransparent) {
@@ -306,6 +322,10 @@ TEST_F(PicturesConformance, PicturesCutShortAreInvalidPictures) {
   EXPECT_EQ(LoadFailure(Write("half.gif", gif.substr(0, gif.size() / 2))), 481);
   const std::string jpeg = ReadBytes(DataFile("quadrants.jpg"));
   EXPECT_EQ(LoadFailure(Write("head.jpg", jpeg.substr(0, 100))), 481);
+  const std::string progressive = ReadBytes(DataFile("quadrants-progressive.jpg"));
+  EXPECT_EQ(LoadFailure(Write("most.jpg", jpeg.substr(0, jpeg.size() - 40))), 481);
+  EXPECT_EQ(LoadFailure(Write("scans.jpg", progressive.substr(0, progressive.size() * 3 / 4))),
+            481);
   const std::string icon = IcoBytes({SolidImage(32, 24, 0x00FF00)});
   EXPECT_EQ(LoadFailure(Write("half.ico", icon.substr(0, icon.size() / 2))), 481);
 }

@@ -16,7 +16,7 @@
 #include "core/Failure.h"
 #include "platform/BitmapFile.h"
 #include "platform/PictureFormats.h"
-#include "platform/portable/BitmapDecoder.h"
+#include "platform/BitmapDecoder.h"
 #include "platform/portable/HostPath.h"
 
 namespace quorvane::platform::portable {

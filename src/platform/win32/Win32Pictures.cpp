@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/Failure.h"
+#include "platform/BitmapDecoder.h"
 #include "platform/BitmapFile.h"
 #include "platform/PictureFormats.h"
 #include "platform/win32/GdiHandles.h"
@@ -363,13 +364,23 @@ ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
 
 ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
   std::vector<std::uint8_t> bytes = ReadWholeFile(path);
-  const PictureKind kind = KindOfPicture(bytes);
+  PictureKind kind = KindOfPicture(bytes);
+  if (kind == PictureKind::Bitmap && !DecodeBitmapFile(bytes)) RaiseInvalidPicture();
   if (kind == PictureKind::Icon) {
     const auto entries = ReadIconDirectory(bytes);
     if (!entries) RaiseInvalidPicture();
     const IconDirectoryEntry& largest = LargestIconEntry(*entries);
     if (!DecodableSize(largest.width, largest.height)) RaiseInvalidPicture();
-    if (Read16(bytes, 4) != 1) bytes = SingleEntryIconFile(bytes, largest);
+    if (largest.png) {
+      // The image is a PNG file of its own, alpha and all: it is decoded as one, which gives
+      // its pixels exactly rather than drawn on a background.
+      const std::vector<std::uint8_t> png(bytes.begin() + largest.offset,
+                                          bytes.begin() + largest.offset + largest.size);
+      bytes = png;
+      kind = PictureKind::Png;
+    } else if (Read16(bytes, 4) != 1) {
+      bytes = SingleEntryIconFile(bytes, largest);
+    }
   }
   std::optional<ui::Pixels> pixels;
   if (!bytes.empty()) pixels = LoadWithOle(bytes);

@@ -1,4 +1,4 @@
-#include "platform/portable/BitmapDecoder.h"
+#include "platform/BitmapDecoder.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 
 #include "platform/PictureFormats.h"
 
-namespace quorvane::platform::portable {
+namespace quorvane::platform {
 
 namespace {
 
@@ -304,4 +304,4 @@ std::optional<ui::Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data) {
   return pixels;
 }
 
-}  // namespace quorvane::platform::portable
+}  // namespace quorvane::platform
