@@ -40,7 +40,7 @@ FrmMain::FrmMain() {
            &TxtHorizontal, &TxtVertical, &ChkShowShortCut, &LblAppearanceMsg, &LblStatus, &Label8,
            &Label9, &Label12, &Label14, &Label17, &PBDesktop, &ImgMyComputer, &ImgMyDocuments,
            &ImgRecycleBin, &LblMyComputer, &LblMyDocuments, &LblRecycleBin, &TvCollections,
-           &Label13, &PicPopup, &ImgPopupWindows, &Image2}) {
+           &Label13, &PicPopup, &ImgPopupWindows, &Image2, &PBTempWallpaper}) {
     controls_.push_back(c);
   }
   for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
@@ -158,6 +158,11 @@ FrmMain::FrmMain() {
   CmdApply.Click = [this] { CmdApply_Click(); };
   CmdDefault.Click = [this] { CmdDefault_Click(); };
   CmdReset.Click = [this] { CmdReset_Click(); };
+  for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
+    CmdWallpaperControl[i].Click = [this, i] {
+      CmdWallpaperControl_Click(static_cast<std::int16_t>(i));
+    };
+  }
   CmdWindow.Click = [this] { CmdWindow_Click(); };
   CmdWindow.MouseMove = [this](std::int16_t button, std::int16_t shift, float x, float y) {
     CmdWindow_MouseMove(button, shift, x, y);
@@ -201,6 +206,10 @@ FrmMain::FrmMain() {
   PicPopup.Visible(false);
   ImgPopupWindows.Visible(false);
   Image2.Visible(false);
+  PBTempWallpaper.Visible(false);
+  Timer1.Interval = 60000;
+  Timer1.Enabled(true);
+  Timer1.Tick = [this] { Timer1_Timer(); };
   for (std::size_t i = 0; i < 2; ++i) {
     imgTopRow[i].Visible(false);
     imgTopRowHover[i].Visible(false);

@@ -119,6 +119,11 @@ class FrmMain {
   ui::ControlArray<ui::Label, 3> CmdWallpaperControl{"CmdWallpaperControl"};
   ui::Label Label13{"Label13"};
 
+  // Decodes a picture for the wallpaper; sizes itself to its picture.
+  ui::PictureBox PBTempWallpaper{"PBTempWallpaper"};
+  // The automatic wallpaper change: a tick a minute, in both run modes, never stopped.
+  ui::Timer Timer1{"Timer1"};
+
   // --- the tray -------------------------------------------------------------------------------
   ui::PictureBox PicPopup{"PicPopup"};
   ui::PictureBox ImgPopupWindows{"ImgPopupWindows"};
@@ -138,6 +143,9 @@ class FrmMain {
   // Set when the horizontal icon spacing has been changed; CmdApply on the appearance page
   // asks for a restart then.
   std::int16_t mRestartNeeded = 0;
+  // Minutes counted since the last wallpaper change, and the Files.ini entry used last.
+  std::int16_t mTickCount = 0;
+  std::int16_t mCurrentIndex = 0;
 
   // The routines of the folder page and the appearance page that CmdChange, CmdApply and
   // CmdDefault hand over to when that page is showing. Each page connects its own; while one
@@ -209,6 +217,13 @@ class FrmMain {
   // routine run again with CategoryClickX kept across it.
   void EmptyCatalogue();
   void ReloadKeepingCategory();
+  // The wallpaper page's collections: TvCollections filled anew and the settings read from the
+  // predecessor key; and the third wallpaper command, the removal of the selected collection.
+  void RefreshCollections();
+  void CmdWallpaperControl_Click(std::int16_t Index);
+  // The tick of Timer1, and the tray menu's change that runs it at once.
+  void Timer1_Timer();
+  void mnuChangeWallpaper_Click();
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();

@@ -123,6 +123,15 @@ class Label : public Control {
   bool bold_ = false;
 };
 
+// A periodic timer of a form: while Enabled, Tick runs every Interval milliseconds. It has no
+// window of its own; the form's binding runs it.
+class Timer : public Control {
+ public:
+  using Control::Control;
+  std::int32_t Interval = 0;
+  std::function<void()> Tick;
+};
+
 class CheckBox : public Control {
  public:
   using Control::Control;
@@ -191,6 +200,7 @@ struct Node {
   std::int16_t SelectedImage = 0;
   TagValue Tag;
   bool Bold = false;
+  bool Checked = false;  // the tick box of a tree with tick boxes
   bool Expanded = false;
   std::int32_t Parent = 0;  // position of the parent node, 0 at top level
 };

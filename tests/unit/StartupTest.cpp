@@ -59,6 +59,15 @@ class WindowsPathFiles final : public platform::FileSystem {
   bool RemoveFile(const std::string& path) override {
     return !ReadOnly(path) && files_.RemoveFile(Host(path));
   }
+  bool ListFiles(const std::string& folder, std::vector<std::string>& names) override {
+    return files_.ListFiles(Host(folder), names);
+  }
+  bool RemoveFolderTree(const std::string& path) override {
+    return !ReadOnly(path) && files_.RemoveFolderTree(Host(path));
+  }
+  bool RenameFile(const std::string& source, const std::string& target) override {
+    return !ReadOnly(source) && !ReadOnly(target) && files_.RenameFile(Host(source), Host(target));
+  }
 
   void MakeReadOnly(const fs::path& folder) { readOnly_.push_back(folder.lexically_normal()); }
 

@@ -66,4 +66,30 @@ bool PortableFileSystem::RemoveFile(const std::string& path) {
   return std::filesystem::remove(Host(path), ec);
 }
 
+bool PortableFileSystem::ListFiles(const std::string& folder, std::vector<std::string>& names) {
+  names.clear();
+  std::error_code ec;
+  std::filesystem::directory_iterator entry(Host(folder), ec);
+  if (ec) return false;
+  for (; entry != std::filesystem::directory_iterator(); entry.increment(ec)) {
+    if (ec) return false;
+    std::error_code kind;
+    if (entry->is_regular_file(kind)) names.push_back(entry->path().filename().string());
+  }
+  return true;
+}
+
+bool PortableFileSystem::RemoveFolderTree(const std::string& path) {
+  std::error_code ec;
+  std::filesystem::remove_all(Host(path), ec);
+  return !std::filesystem::exists(Host(path), ec);
+}
+
+bool PortableFileSystem::RenameFile(const std::string& source, const std::string& target) {
+  std::error_code ec;
+  if (std::filesystem::exists(Host(target), ec)) return false;
+  std::filesystem::rename(Host(source), Host(target), ec);
+  return !ec;
+}
+
 }  // namespace quorvane::platform

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <utility>
 
+#include "platform/portable/HostPath.h"
+
 namespace quorvane::platform::portable {
 
 namespace {
@@ -368,8 +370,21 @@ std::uint32_t PortableIcons::SHGetFileInfoA(const char* path, std::uint32_t /*at
                                             ShFileInfo& info, std::uint32_t /*size*/,
                                             std::uint32_t flags) {
   shellQueries_.push_back({path != nullptr ? std::string(path) : std::string(), flags});
-  // No path resolves. As the platform does then, the icon's number is cleared, and an icon
-  // asked for is none; the rest of the record is left as it was.
+  // A query for the display name alone answers for any file or folder that exists, with its
+  // name, as the shell does.
+  if (flags == icons::kShgfiDisplayName && path != nullptr) {
+    std::error_code ec;
+    const std::filesystem::path host(HostPath(path));
+    if (std::filesystem::exists(host, ec)) {
+      const std::string name = host.filename().string();
+      const std::size_t n = std::min(name.size(), sizeof info.szDisplayName - 1);
+      std::copy_n(name.data(), n, info.szDisplayName);
+      info.szDisplayName[n] = '\0';
+      return 1;
+    }
+  }
+  // No icon of a path resolves. As the platform does then, the icon's number is cleared, and an
+  // icon asked for is none; the rest of the record is left as it was.
   info.iIcon = 0;
   if ((flags & icons::kShgfiIcon) != 0) info.hIcon = 0;
   return 0;

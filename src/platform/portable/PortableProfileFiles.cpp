@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/portable/HostPath.h"
+
 namespace quorvane::platform {
 
 namespace {
@@ -369,7 +371,7 @@ Loaded Load(const char* path) {
   loaded.profile.sections.emplace_back();
   if (path == nullptr || *path == '\0') return loaded;
   errno = 0;
-  File f(std::fopen(path, "rb"));
+  File f(std::fopen(HostPath(path).c_str(), "rb"));
   if (!f) {
     loaded.state = (errno == ENOENT || errno == ENOTDIR) ? FileState::Missing : FileState::Unreadable;
     return loaded;
@@ -388,7 +390,7 @@ Loaded Load(const char* path) {
 }
 
 bool WriteFile(const std::string& path, const std::string& bytes) {
-  File f(std::fopen(path.c_str(), "wb"));
+  File f(std::fopen(HostPath(path).c_str(), "wb"));
   if (!f) return false;
   if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
     return false;
@@ -401,14 +403,15 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
 // written in place.
 std::int32_t Save(const char* path, const Profile& profile) {
   const std::string bytes = Encode(profile.encoding, Serialize(profile));
-  const std::string temporary = std::string(path) + ".quorvane-new";
+  const std::string target = HostPath(path);
+  const std::string temporary = target + ".quorvane-new";
   if (WriteFile(temporary, bytes)) {
-    if (std::rename(temporary.c_str(), path) == 0) return 1;
+    if (std::rename(temporary.c_str(), target.c_str()) == 0) return 1;
     std::remove(temporary.c_str());
     return 0;
   }
   std::remove(temporary.c_str());
-  return WriteFile(path, bytes) ? 1 : 0;
+  return WriteFile(target, bytes) ? 1 : 0;
 }
 
 // --- copying into the caller's buffer -------------------------------------------------------------

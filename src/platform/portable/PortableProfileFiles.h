@@ -1,5 +1,6 @@
 #pragma once
-// Profile (INI) files on disk for the build without Windows, with the platform's semantics as
+// Profile (INI) files on disk for the build without Windows (a backslash in a path separates
+// folders, as on the platform), with the platform's semantics as
 // its profile functions show them:
 //
 // - A file is read whole on every call and taken apart into sections and entries. Lines end at

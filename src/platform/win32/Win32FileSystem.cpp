@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 
 namespace quorvane::platform {
@@ -76,6 +77,58 @@ bool Win32FileSystem::CreateFolder(const std::string& path) {
 
 bool Win32FileSystem::RemoveFile(const std::string& path) {
   return ::DeleteFileA(path.c_str()) != 0;
+}
+
+namespace {
+
+std::string WithBackslash(const std::string& folder) {
+  return !folder.empty() && folder.back() != '\\' ? folder + "\\" : folder;
+}
+
+bool IsDotEntry(const char* name) {
+  return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+}  // namespace
+
+bool Win32FileSystem::ListFiles(const std::string& folder, std::vector<std::string>& names) {
+  names.clear();
+  WIN32_FIND_DATAA found{};
+  HANDLE search = ::FindFirstFileA((WithBackslash(folder) + "*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    // An empty folder lists nothing; a missing one can't be listed.
+    return ::GetLastError() == ERROR_FILE_NOT_FOUND && FolderExists(folder);
+  }
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
+  } while (::FindNextFileA(search, &found) != 0);
+  ::FindClose(search);
+  return true;
+}
+
+bool Win32FileSystem::RemoveFolderTree(const std::string& path) {
+  const std::string folder = WithBackslash(path);
+  WIN32_FIND_DATAA found{};
+  HANDLE search = ::FindFirstFileA((folder + "*").c_str(), &found);
+  if (search != INVALID_HANDLE_VALUE) {
+    do {
+      if (IsDotEntry(found.cFileName)) continue;
+      const std::string inside = folder + found.cFileName;
+      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        RemoveFolderTree(inside);
+      } else {
+        ::SetFileAttributesA(inside.c_str(), FILE_ATTRIBUTE_NORMAL);
+        ::DeleteFileA(inside.c_str());
+      }
+    } while (::FindNextFileA(search, &found) != 0);
+    ::FindClose(search);
+  }
+  ::RemoveDirectoryA(path.c_str());
+  return !FolderExists(path);
+}
+
+bool Win32FileSystem::RenameFile(const std::string& source, const std::string& target) {
+  return ::MoveFileA(source.c_str(), target.c_str()) != 0;
 }
 
 }  // namespace quorvane::platform

@@ -13,6 +13,9 @@ class Win32FileSystem final : public FileSystem {
   bool Append(const std::string& path, const std::string& content) override;
   bool CreateFolder(const std::string& path) override;
   bool RemoveFile(const std::string& path) override;
+  bool ListFiles(const std::string& folder, std::vector<std::string>& names) override;
+  bool RemoveFolderTree(const std::string& path) override;
+  bool RenameFile(const std::string& source, const std::string& target) override;
 };
 
 }  // namespace quorvane::platform
