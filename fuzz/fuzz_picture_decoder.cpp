@@ -1,0 +1,138 @@
+// The portable picture decoder over arbitrary bytes: decoded in memory and loaded from a file
+// through the adapter. The only failure either may raise is InvalidPicture (481); a picture
+// that decodes has a pixel for each place of its size, and the same pixels both ways. Seeded
+// with pictures of every kind the tests make, and the JPEG files in tests/data.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <span>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "FuzzSeeds.h"
+#include "conformance/IcoFiles.h"
+#include "conformance/PictureFiles.h"
+#include "core/Failure.h"
+#include "platform/PictureFormats.h"
+#include "platform/portable/DecodedPictures.h"
+
+namespace {
+
+namespace pf = quorvane::testing::picture_files;
+using quorvane::Failure;
+using quorvane::FailureNumber;
+using quorvane::ui::Pixels;
+
+void Require(bool condition, const char* what) {
+  if (!condition) {
+    std::fprintf(stderr, "picture decoder: %s\n", what);
+    std::abort();
+  }
+}
+
+// One file per process in the temporary folder, removed at the end.
+class ScratchFile {
+ public:
+  ScratchFile()
+      : path_((std::filesystem::temp_directory_path() /
+               ("quorvane-fuzz-picture-" + std::to_string(::getpid()) + ".bmp"))
+                  .string()) {}
+  ~ScratchFile() {
+    std::error_code ec;
+    std::filesystem::remove(path_, ec);
+  }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+
+  const std::string& Path() const { return path_; }
+  void Fill(const std::uint8_t* data, std::size_t size) const {
+    std::FILE* f = std::fopen(path_.c_str(), "wb");
+    Require(f != nullptr, "can't write the scratch file");
+    if (size > 0) Require(std::fwrite(data, 1, size, f) == size, "short write");
+    std::fclose(f);
+  }
+
+ private:
+  std::string path_;
+};
+
+// The pixels, or nothing when the decoder refused the bytes as it must: with 481.
+template <class Decode>
+std::optional<Pixels> Attempt(Decode decode) {
+  try {
+    Pixels p = decode();
+    Require(!p.Empty(), "an empty picture");
+    Require(quorvane::platform::DecodableSize(p.width, p.height), "a picture beyond the limit");
+    Require(p.bgra.size() == static_cast<std::size_t>(p.width) * static_cast<std::size_t>(p.height),
+            "pixels that don't match the size");
+    return p;
+  } catch (const Failure& failure) {
+    Require(failure.Number() == FailureNumber::InvalidPicture, "a failure other than 481");
+  } catch (...) {
+    Require(false, "something other than a Failure thrown");
+  }
+  return std::nullopt;
+}
+
+std::string JpegSeed(const char* name) {
+  const std::filesystem::path here(__FILE__);
+  std::ifstream file(here.parent_path().parent_path() / "tests" / "data" / name, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+}  // namespace
+
+std::vector<std::string> QuorvaneFuzzSeeds() {
+  using namespace quorvane::testing;
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF};
+  std::vector<std::uint32_t> indices;
+  for (std::uint32_t i = 0; i < 9 * 5; ++i) indices.push_back(i < 20 ? 1 + i / 7 % 4 : i % 5);
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i : indices) colours.push_back(palette[i] ^ (i * 0x030507u));
+  std::vector<std::uint8_t> alpha(colours.size(), 0xFF);
+  alpha[3] = 0;
+  alpha[7] = 0x80;
+  IcoImage masked = SolidImage(16, 8, 2, {0, 0x112233, 0x445566});
+  for (std::size_t i = 0; i < masked.mask.size(); i += 5) masked.mask[i] = 1;
+  std::vector<std::string> seeds = {
+      pf::BitmapFile(9, 5, 24, colours),
+      pf::BitmapFile(9, -5, 32, colours),
+      pf::BitmapFile(9, 5, 8, indices, palette),
+      pf::BitmapFile(9, 5, 4, indices, palette),
+      pf::BitmapFile(9, 5, 1, indices, {0x000000, 0xFFFFFF}),
+      pf::RunLengthBitmap(9, 5, false, indices, palette),
+      pf::RunLengthBitmap(9, 5, true, indices, palette),
+      pf::GifFile(9, 5, palette, indices),
+      pf::GifFile(9, 5, palette, indices, true, 2),
+      pf::PngFile(9, 5, colours),
+      pf::PngFile(9, 5, colours, alpha),
+      IcoBytes({masked, SolidImage(8, 32, 0x80FF0000)}),
+      pf::IconFileOf({pf::PngFile(9, 5, colours)}, {{{9, 5}}}, 2),
+  };
+  for (const char* name : {"quadrants.jpg", "quadrants-progressive.jpg"}) {
+    std::string jpeg = JpegSeed(name);
+    if (!jpeg.empty()) seeds.push_back(std::move(jpeg));
+  }
+  return seeds;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace quorvane::platform;
+  const std::span<const std::uint8_t> bytes(data, size);
+  const std::optional<Pixels> inMemory = Attempt([&] { return portable::DecodePicture(bytes); });
+
+  static ScratchFile scratch;
+  scratch.Fill(data, size);
+  portable::DecodedPictures pictures;
+  const std::optional<Pixels> fromFile = Attempt([&] { return pictures.LoadPicture(scratch.Path()); });
+  Require(inMemory.has_value() == fromFile.has_value(), "memory and file disagree");
+  if (inMemory) Require(*inMemory == *fromFile, "memory and file give other pixels");
+  if (inMemory) Require(KindOfPicture(bytes) != PictureKind::Unknown, "a picture of no kind");
+  return 0;
+}
