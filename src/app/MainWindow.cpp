@@ -5,6 +5,7 @@
 
 #include "app/Resources.h"
 #include "core/FrmMain.h"
+#include "core/MainModule.h"
 #include "icons/modextracticon.h"
 #include "platform/Application.h"
 #include "platform/MessageBoxes.h"
@@ -58,11 +59,16 @@ MainWindow::MainWindow(HINSTANCE instance, FrmMain& form)
     return cancel != 0;
   };
   window_.Unloaded = [] { ::PostQuitMessage(0); };
+  // A failure that reaches the top of an event: the user is told, a line goes to the log in
+  // the data folder, and the program goes on with the next event.
   window_.Failed = [](const std::exception& failure) {
+    core::ReportError("FrmMain", "event");
     platform::Use<platform::MessageBoxes>().MsgBox(
         failure.what(), platform::msgbox::kOkOnly | platform::msgbox::kExclamation);
   };
   window_.OnRegisteredMessage(kExitMessage, [this] { form_.mnuExit_Click(); });
+  window_.OnRegisteredMessage(kChangeWallpaperMessage,
+                              [this] { form_.mnuChangeWallpaper_Click(); });
   ConnectFormSurface(form_, window_);
 }
 

@@ -26,6 +26,8 @@ namespace quorvane::app {
 inline constexpr const char* kMainWindowText = "Quorvane";
 // The registered message that ends the program as the tray menu's "Exit" does.
 inline constexpr const char* kExitMessage = "Quorvane.Exit";
+// Runs the tray menu's "Change Wallpaper" (mnuChangeWallpaper_Click), for drivers from outside.
+inline constexpr const char* kChangeWallpaperMessage = "Quorvane.ChangeWallpaper";
 
 class MainWindow final : public core::MainForm {
  public:

@@ -98,6 +98,9 @@ void FrmMain::Form_Load() {
     ChkShowShortCut.Value(0);
     if (!(!overlay.empty() && text::InStr(1, overlay, "Empty.ico") > 0)) ChkShowShortCut.Value(1);
 
+    // The collections, and the wallpaper settings the running program starts with.
+    RefreshCollections();
+
     if (core::IsVista() != kFalse) {
       CmdMenu[2].Visible(false);
       CmdMenu[3].Top(CmdMenu[2].Top());

@@ -61,6 +61,7 @@ const char* const kPictureClass = "QuorvanePicture";
 const char* const kLabelClass = "QuorvaneLabel";
 const char* const kSpinClass = "QuorvaneSpinEdit";
 constexpr const char* kSyncMessage = "Quorvane.SyncNodes";
+constexpr UINT_PTR kTimer1 = 1;
 
 // The annotation service of the platform's accessibility layer, by its published identities.
 const CLSID kAccPropServicesClass = {
@@ -296,6 +297,10 @@ void FormWindow::Create() {
   for (Control* control : form_.Controls()) Bind(*control);
   for (auto& bound : bound_) bound->control->Observe(this);
   Flush();
+  // The form's timer runs on the window from its creation to its end.
+  if (form_.Timer1.Enabled() && form_.Timer1.Interval > 0) {
+    ::SetTimer(window, kTimer1, static_cast<UINT>(form_.Timer1.Interval), nullptr);
+  }
 }
 
 BoundControl& FormWindow::Bind(Control& control) {
@@ -762,6 +767,9 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
     case WM_CTLCOLORBTN:
       ::SetBkColor(reinterpret_cast<HDC>(wParam), ::GetSysColor(COLOR_BTNFACE));
       return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_BTNFACE));
+    case WM_TIMER:
+      if (wParam == kTimer1) Run(form_.Timer1.Tick);
+      return 0;
     case WM_SETCURSOR:
       // While the window is busy the hourglass stands over it and every control in it; the
       // controls ask here first.
