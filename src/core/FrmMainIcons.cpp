@@ -38,6 +38,21 @@ std::int16_t ImageNumberOf(const ui::TagValue& tag) {
   return static_cast<std::int16_t>(number);
 }
 
+// The busy display of a write: the hourglass and FrmWorking, with a yield so that they show.
+void ShowBusy() {
+  auto& application = platform::Use<platform::Application>();
+  application.SetMousePointer(platform::kHourglassPointer);
+  application.ShowWorking();
+  DoEvents();
+}
+
+void EndBusyAskingForARestart() {
+  auto& application = platform::Use<platform::Application>();
+  application.UnloadWorking();
+  application.SetMousePointer(platform::kDefaultPointer);
+  Message("Please restart to apply the changes");
+}
+
 void ShowImage(ui::TreeView& tree, std::int32_t position, std::int16_t image) {
   tree.Item(position).Image = image;
   tree.Item(position).SelectedImage = image;
@@ -170,10 +185,7 @@ void FrmMain::CmdApply_Click() {
     }
     return;
   }
-  auto& application = platform::Use<platform::Application>();
-  application.SetMousePointer(platform::kHourglassPointer);
-  application.ShowWorking();
-  DoEvents();
+  ShowBusy();
 
   if (ui::TreeView* tree = VisibleTree()) {
     const std::int32_t count = tree->Count();
@@ -197,9 +209,7 @@ void FrmMain::CmdApply_Click() {
   DoEvents();
   CmdWindow_Click();
 
-  application.UnloadWorking();
-  application.SetMousePointer(platform::kDefaultPointer);
-  Message("Please restart to apply the changes");
+  EndBusyAskingForARestart();
 }
 
 void FrmMain::CmdDefault_Click() {
@@ -212,10 +222,7 @@ void FrmMain::CmdDefault_Click() {
     }
     return;
   }
-  auto& application = platform::Use<platform::Application>();
-  application.SetMousePointer(platform::kHourglassPointer);
-  application.ShowWorking();
-  DoEvents();
+  ShowBusy();
 
   // Only the selected row goes back to stock, staged or not.
   if (ui::TreeView* tree = VisibleTree()) {
@@ -234,9 +241,7 @@ void FrmMain::CmdDefault_Click() {
   CmdWindow_Click();
   DoEvents();
 
-  application.UnloadWorking();
-  application.SetMousePointer(platform::kDefaultPointer);
-  Message("Please restart to apply the changes");
+  EndBusyAskingForARestart();
 }
 
 void FrmMain::CmdReset_Click() {
