@@ -187,6 +187,17 @@ TEST_F(PicturesConformance, AGifGivesItsFrameInItsColours) {
   ExpectColours(Load("laced.gif", pf::GifFile(20, 15, palette, indices, true)), 20, 15, colours);
 }
 
+TEST_F(PicturesConformance, AnAnimatedGifGivesItsFirstFrame) {
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x0000FF};
+  const std::string first = pf::GifFile(6, 4, palette, std::vector<std::uint32_t>(24, 1));
+  const std::string second = pf::GifFile(6, 4, palette, std::vector<std::uint32_t>(24, 2));
+  // The second file's frame, from its image descriptor on, after the first's frame.
+  const std::size_t frame = 13 + 3 * 256;
+  ASSERT_EQ(second[frame], ',');
+  const std::string both = first.substr(0, first.size() - 1) + second.substr(frame);
+  ExpectColours(Load("two.gif", both), 6, 4, std::vector<std::uint32_t>(24, 0xFF0000));
+}
+
 TEST_F(PicturesConformance, AGifsTransparentColourComesOutTransparent) {
   const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00};
   std::vector<std::uint32_t> indices(8 * 8, 1);

@@ -222,7 +222,8 @@ class Descriptor {
 
 std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   const std::string host = HostPath(path);
-  Descriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC));
+  // Not blocking: a pipe or device by that name must not hold the program up; only a file is read.
+  Descriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.Get() < 0) {
     if (errno == ENOENT || errno == ENOTDIR || path.empty()) {
       Raise(FailureNumber::FileNotFound, "File not found: \"" + path + "\"");
