@@ -12,19 +12,7 @@
 #include "core/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
-#include "platform/Service.h"
-#include "platform/portable/MemoryRegistry.h"
-#include "platform/portable/PortableApplication.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableEventLoop.h"
-#include "platform/portable/PortableFileSystem.h"
-#include "platform/portable/PortableIcons.h"
-#include "platform/portable/PortableMessageBoxes.h"
-#include "platform/portable/PortableNotification.h"
-#include "platform/portable/PortableResourcePictures.h"
-#include "platform/portable/PortableSystemInfo.h"
-#include "platform/portable/PortableTray.h"
-#include "platform/portable/RecordingShellRequests.h"
+#include "PortableServices.h"
 #include "ui/MemorySurface.h"
 
 namespace quorvane {
@@ -111,30 +99,16 @@ class IconChangesTest : public ::testing::Test {
   std::filesystem::path root_;
   std::string red_;
   std::string blue_;
-  platform::MemoryRegistry store_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
-  platform::portable::PortableDeviceContexts gdi_;
-  platform::portable::PortableIcons icons_{gdi_};
-  platform::portable::PortableSystemInfo system_;
-  platform::portable::PortableTray tray_;
-  platform::portable::PortableMessageBoxes boxes_;
-  platform::PortableResourcePictures pictures_;
-  platform::portable::PortableNotification notification_;
-  platform::portable::PortableApplication application_;
-  platform::portable::RecordingShellRequests shell_;
-  platform::ScopedService<platform::RegistryStore> s1_{store_};
-  platform::ScopedService<platform::FileSystem> s2_{files_};
-  platform::ScopedService<platform::EventLoop> s3_{events_};
-  platform::ScopedService<platform::DeviceContexts> s4_{gdi_};
-  platform::ScopedService<platform::Icons> s5_{icons_};
-  platform::ScopedService<platform::SystemInfo> s6_{system_};
-  platform::ScopedService<platform::Tray> s7_{tray_};
-  platform::ScopedService<platform::MessageBoxes> s8_{boxes_};
-  platform::ScopedService<platform::ResourcePictures> s9_{pictures_};
-  platform::ScopedService<platform::Notification> s10_{notification_};
-  platform::ScopedService<platform::Application> s11_{application_};
-  platform::ScopedService<platform::ShellRequests> s12_{shell_};
+  testing::PortableServices services_;
+  platform::MemoryRegistry& store_ = services_.store;
+  platform::PortableEventLoop& events_ = services_.events;
+  platform::portable::PortableIcons& icons_ = services_.icons;
+  platform::portable::PortableSystemInfo& system_ = services_.system;
+  platform::portable::PortableTray& tray_ = services_.tray;
+  platform::portable::PortableMessageBoxes& boxes_ = services_.boxes;
+  platform::portable::PortableNotification& notification_ = services_.notification;
+  platform::portable::PortableApplication& application_ = services_.application;
+  platform::portable::RecordingShellRequests& shell_ = services_.shell;
   FrmMain form_;
   MainWindowScope installed_{form_};
 };
