@@ -10,6 +10,8 @@
 #                                    against the first load routine
 #   bash scripts/bench.sh switch     quorvane.exe's page and zone switches, click to the window
 #                                    repainted, under Wine in a virtual desktop on Xvfb
+#   bash scripts/bench.sh wallpaper  one automatic wallpaper change (unpack, decode, save, set) of
+#                                    a 3840x2160 JPEG under Wine, against xwallpaper and feh on Xvfb
 #   bash scripts/bench.sh cabinet    packing the JPEGs of Debian's wallpaper packages into a
 #                                    collection file against `gcab -c -z`, and unpacking its first
 #                                    and last entry against `cabextract -F`, natively
@@ -56,8 +58,8 @@ bench_resample() {
   build/native-release/bench_resample
 }
 
-# run_in_desktop NAME PROGRAM STEPS: runs a Windows timing program of build/windows inside a Wine
-# virtual desktop on Xvfb, as `PROGRAM RUNS RESULTFILE`, waits up to STEPS tenths of a second for
+# run_in_desktop NAME PROGRAM STEPS [ARGUMENTS...]: runs a Windows timing program of build/windows
+# inside a Wine virtual desktop on Xvfb, as `PROGRAM RUNS RESULTFILE ARGUMENTS...`, waits up to STEPS tenths of a second for
 # the "done" line of its result file, stops everything it started, and prints the figures.
 run_in_desktop() {
   local name="$1" program="$2" steps="$3"
@@ -73,7 +75,7 @@ run_in_desktop() {
   wine_prepare
   display_start || exit 1
   wine explorer "/desktop=$desktop,1280x800" "build/windows/$program" "$runs" \
-    "$(winepath -w "$result")" >"$dir/$name-wine.log" 2>&1 </dev/null &
+    "$(winepath -w "$result")" "${@:4}" >"$dir/$name-wine.log" 2>&1 </dev/null &
   local wine_pid=$! i
   for i in $(seq 1 "$steps"); do
     if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
@@ -112,10 +114,10 @@ bench_switch() {
   run_in_desktop switch win_switch.exe $(( runs * 300 + 900 ))
 }
 
-bench_cabinet() {
-  # Real pictures nobody here made: the JPEGs of Debian's wallpaper packages.
-  local packages=(mate-backgrounds ukui-wallpapers plasma-workspace-wallpapers) missing=() p
-  for p in "${packages[@]}"; do
+# install_missing PACKAGE...: installs with apt-get those of the Debian packages not installed.
+install_missing() {
+  local missing=() p
+  for p in "$@"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
   done
   if [ ${#missing[@]} -gt 0 ]; then
@@ -123,6 +125,13 @@ bench_cabinet() {
     [ "$(id -u)" -ne 0 ] && sudo="sudo"
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
   fi
+}
+
+# Real pictures nobody here made: the JPEGs of Debian's wallpaper packages.
+wallpaper_packages=(mate-backgrounds ukui-wallpapers plasma-workspace-wallpapers)
+
+bench_cabinet() {
+  install_missing "${wallpaper_packages[@]}"
   build_native_release --target cab_probe
   local probe="$root/build/native-release/cab_probe"
   local dir="$root/build/bench/cabinet"
@@ -169,12 +178,43 @@ bench_cabinet() {
   rm -rf "$dir/src" "$dir/out"
 }
 
+bench_wallpaper() {
+  install_missing "${wallpaper_packages[@]}" xwallpaper feh
+  build_native_release --target cab_probe
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" --target win_wallpaper >/dev/null
+  local dir="$root/build/bench/wallpaper"
+  rm -rf "$dir"
+  mkdir -p "$dir/src" "$dir/Data"
+  # One 3840x2160 JPEG made from a picture of Debian's wallpaper packages, fifty times over.
+  local source
+  source="$(find /usr/share/backgrounds /usr/share/wallpapers -type f -iname '*.jpg' 2>/dev/null | LC_ALL=C sort | head -n 1)"
+  [ -n "$source" ] || { echo "no JPEG among Debian's wallpapers" >&2; return 1; }
+  /usr/bin/convert "$source" -resize '3840x2160!' -quality 92 "$dir/big.jpg"
+  local i
+  for i in $(seq -w 1 50); do cp "$dir/big.jpg" "$dir/src/p$i.jpg"; done
+  build/native-release/cab_probe pack "$dir/Data/Bench.RXS" "$dir/src"/p*.jpg >/dev/null
+  rm -rf "$dir/src"
+  echo "== one automatic change of a 3840x2160 JPEG ($(basename "$source") enlarged) from a"
+  echo "   collection of 50, under Wine in a virtual desktop on Xvfb; $runs runs"
+  run_in_desktop wallpaper win_wallpaper.exe $(( runs * 100 + 600 )) "$(winepath -w "$dir/Data")"
+  echo "== the same picture set by xwallpaper --zoom and feh --bg-fill on Xvfb; $runs runs"
+  source scripts/display.sh
+  display_start || exit 1
+  hyperfine --style basic --warmup 2 --runs "$runs" \
+    -n "xwallpaper --zoom" "xwallpaper --zoom '$dir/big.jpg'" \
+    -n "feh --bg-fill" "feh --no-fehbg --bg-fill '$dir/big.jpg'" \
+    --export-json "$dir/x11.json"
+  display_stop
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
   startup) bench_startup ;;
   switch) bench_switch ;;
   cabinet) bench_cabinet ;;
-  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet ;;
+  wallpaper) bench_wallpaper ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac
