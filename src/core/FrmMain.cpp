@@ -158,6 +158,7 @@ FrmMain::FrmMain() {
   CmdApply.Click = [this] { CmdApply_Click(); };
   CmdDefault.Click = [this] { CmdDefault_Click(); };
   CmdReset.Click = [this] { CmdReset_Click(); };
+  CmdSettings.Click = [this] { CmdSettings_Click(); };
   for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
     CmdWallpaperControl[i].Click = [this, i] {
       CmdWallpaperControl_Click(static_cast<std::int16_t>(i));

@@ -221,6 +221,8 @@ class FrmMain {
   // predecessor key; and the third wallpaper command, the removal of the selected collection.
   void RefreshCollections();
   void CmdWallpaperControl_Click(std::int16_t Index);
+  // FrmSettings shown modal, owned by this window; its settings are read back when it closes.
+  void CmdSettings_Click();
   // The tick of Timer1, and the tray menu's change that runs it at once.
   void Timer1_Timer();
   void mnuChangeWallpaper_Click();

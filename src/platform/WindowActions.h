@@ -18,6 +18,8 @@ class WindowActions {
                                       const std::string& directory, std::int32_t show) = 0;
   // The folder of the running program, without a trailing backslash.
   virtual std::string ProgramFolder() = 0;
+  // The file name of the running program without its folder and its extension ("quorvane").
+  virtual std::string ProgramName() = 0;
 };
 
 }  // namespace quorvane::platform

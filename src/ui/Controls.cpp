@@ -82,6 +82,45 @@ void CheckBox::Value(std::int16_t value) {
   if (changed && Click) Click();
 }
 
+void OptionButton::Caption(const std::string& value) {
+  caption_ = value;
+  Notify(Property::Caption);
+}
+
+void OptionButton::Value(bool value) {
+  const bool changed = value != value_;
+  value_ = value;
+  if (value) {
+    for (OptionButton* other : group_) {
+      if (other != this && other->value_) {
+        other->value_ = false;
+        other->Notify(Property::Value);
+      }
+    }
+  }
+  Notify(Property::Value);
+  if (changed && value && Click) Click();
+}
+
+void OptionButton::BackColor(std::uint32_t value) {
+  backColor_ = value;
+  Notify(Property::Caption);
+}
+
+void OptionButton::Group(std::initializer_list<OptionButton*> buttons) {
+  for (OptionButton* button : buttons) button->group_.assign(buttons.begin(), buttons.end());
+}
+
+void CommandButton::Caption(const std::string& value) {
+  caption_ = value;
+  Notify(Property::Caption);
+}
+
+void Frame::Caption(const std::string& value) {
+  caption_ = value;
+  Notify(Property::Caption);
+}
+
 void ValueControl::Value(std::int32_t value) {
   const bool changed = value != value_;
   value_ = value;

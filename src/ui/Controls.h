@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <variant>
@@ -144,6 +145,50 @@ class CheckBox : public Control {
  private:
   std::string caption_;
   std::int16_t value_ = 0;
+};
+
+// An option button. Buttons of one group (those of one frame) clear each other: setting one to
+// true sets the others to false, and then runs its Click, as the platform's option buttons do.
+class OptionButton : public Control {
+ public:
+  using Control::Control;
+  const std::string& Caption() const { return caption_; }
+  void Caption(const std::string& value);
+  bool Value() const { return value_; }
+  void Value(bool value);
+  // The colour behind the caption, 0xBBGGRR.
+  std::uint32_t BackColor() const { return backColor_; }
+  void BackColor(std::uint32_t value);
+  // Makes the buttons one group; each button belongs to one group at most.
+  static void Group(std::initializer_list<OptionButton*> buttons);
+
+ private:
+  std::string caption_;
+  bool value_ = false;
+  std::uint32_t backColor_ = 0xF0F0F0;
+  std::vector<OptionButton*> group_;
+};
+
+// A push button with a caption; Click runs when it is pressed.
+class CommandButton : public Control {
+ public:
+  using Control::Control;
+  const std::string& Caption() const { return caption_; }
+  void Caption(const std::string& value);
+
+ private:
+  std::string caption_;
+};
+
+// A frame: a border with a caption round the controls that stand in it (their Container).
+class Frame : public Control {
+ public:
+  using Control::Control;
+  const std::string& Caption() const { return caption_; }
+  void Caption(const std::string& value);
+
+ private:
+  std::string caption_;
 };
 
 // A slider, or a spin edit: a number between bounds.

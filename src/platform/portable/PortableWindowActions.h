@@ -16,8 +16,10 @@ class PortableWindowActions final : public WindowActions {
                               const std::string& file, const std::string& parameters,
                               const std::string& directory, std::int32_t show) override;
   std::string ProgramFolder() override { return programFolder; }
+  std::string ProgramName() override { return programName; }
 
   std::string programFolder = "C:\\Program Files\\Quorvane";
+  std::string programName = "quorvane";
   // "ReleaseCapture", "SendMessageA window message wParam lParam", "ShellExecuteA verb file
   // parameters directory show", in order.
   std::vector<std::string> calls;

@@ -38,4 +38,15 @@ std::string Win32WindowActions::ProgramFolder() {
   return slash == std::string::npos ? std::string() : folder.substr(0, slash);
 }
 
+std::string Win32WindowActions::ProgramName() {
+  char path[MAX_PATH + 1] = {};
+  const DWORD n = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
+  std::string name(path, n);
+  const std::size_t slash = name.find_last_of('\\');
+  if (slash != std::string::npos) name.erase(0, slash + 1);
+  const std::size_t point = name.find_last_of('.');
+  if (point != std::string::npos) name.erase(point);
+  return name;
+}
+
 }  // namespace quorvane::platform

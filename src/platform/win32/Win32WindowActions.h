@@ -12,6 +12,7 @@ class Win32WindowActions final : public WindowActions {
                               const std::string& file, const std::string& parameters,
                               const std::string& directory, std::int32_t show) override;
   std::string ProgramFolder() override;
+  std::string ProgramName() override;
 };
 
 }  // namespace quorvane::platform
