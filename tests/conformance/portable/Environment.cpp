@@ -19,10 +19,12 @@
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
+#include "platform/portable/PortableModalForms.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
 #include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableTray.h"
+#include "platform/portable/PortableWindowActions.h"
 #include "platform/portable/RecordingShellRequests.h"
 #include "platform/portable/RecordingWallpaper.h"
 
@@ -53,6 +55,8 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::ShellRequests>(&shell_);
     platform::Install<platform::Pictures>(&pictureFiles_);
     platform::Install<platform::Wallpaper>(&wallpaper_);
+    platform::Install<platform::ModalForms>(&modalForms_);
+    platform::Install<platform::WindowActions>(&windowActions_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -75,6 +79,8 @@ class PortableEnvironment : public ::testing::Environment {
   platform::portable::RecordingShellRequests shell_;
   platform::portable::DecodedPictures pictureFiles_;
   platform::portable::RecordingWallpaper wallpaper_;
+  platform::portable::PortableModalForms modalForms_;
+  platform::PortableWindowActions windowActions_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

@@ -25,6 +25,8 @@
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
 #include "platform/win32/Win32Wallpaper.h"
+#include "platform/win32/Win32WindowActions.h"
+#include "ui/win32/SettingsWindow.h"
 
 namespace quorvane::testing {
 
@@ -54,6 +56,8 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::ShellRequests>(&shell_);
     platform::Install<platform::Pictures>(&pictureFiles_);
     platform::Install<platform::Wallpaper>(&wallpaper_);
+    platform::Install<platform::ModalForms>(&modalForms_);
+    platform::Install<platform::WindowActions>(&windowActions_);
   }
   void TearDown() override {
     std::error_code ec;
@@ -76,6 +80,8 @@ class Win32Environment : public ::testing::Environment {
   platform::win32::Win32ShellRequests shell_;
   platform::win32::Win32Pictures pictureFiles_;
   platform::win32::Win32Wallpaper wallpaper_;
+  ui::win32::Win32ModalForms modalForms_;
+  platform::Win32WindowActions windowActions_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =
