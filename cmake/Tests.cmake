@@ -42,6 +42,14 @@ if(WIN32)
   add_test(NAME conformance_win32_xp
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/run-as-xp.sh $<TARGET_FILE:conformance_win32>
             --gtest_color=no --gtest_filter=CatalogueConformance.*)
+  # The program's own icon picker, driven on a virtual screen: a dialog needs a display, which
+  # the run under ctest has not, so the program runs in a virtual desktop of its own.
+  add_executable(icon_picker_win32 tests/iconpicker/IconPickerFallback.cpp)
+  target_link_libraries(icon_picker_win32 PRIVATE quorvane_win32 quorvane_gtest)
+  target_include_directories(icon_picker_win32 PRIVATE ${CMAKE_SOURCE_DIR}/tests/conformance)
+  quorvane_target(icon_picker_win32)
+  add_test(NAME icon_picker_on_screen
+    COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:icon_picker_win32>)
 else()
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/portable/*.cpp)
   quorvane_gtest_executable(conformance_portable

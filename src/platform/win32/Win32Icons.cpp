@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/win32/GdiHandles.h"
+#include "platform/win32/Win32IconPicker.h"
 
 namespace quorvane::platform::win32 {
 
@@ -110,18 +111,24 @@ std::int32_t Win32Icons::ImageList_GetIconSize(GdiHandle list, std::int32_t& wid
 
 std::int32_t Win32Icons::PickIconDlg(GdiHandle owner, char16_t* path, std::uint32_t size,
                                      std::int32_t& index) {
+  if (path == nullptr || size == 0) return 0;
+  const HWND window = ToNative<HWND>(owner);
   const PickIconProc pick = PickerExport();
-  if (pick == nullptr || path == nullptr || size == 0) return 0;
-  // The platform's wide characters are 16-bit units as well; the dialog gets its own copy.
-  std::wstring buffer(path, path + size);
-  int number = index;
-  const int result = pick(ToNative<HWND>(owner), buffer.data(), size, &number);
-  if (result == 1) {
-    std::transform(buffer.begin(), buffer.end(), path,
-                   [](wchar_t unit) { return static_cast<char16_t>(unit); });
-    index = number;
+  if (pick != nullptr) {
+    // The platform's wide characters are 16-bit units as well; the dialog gets its own copy.
+    std::wstring buffer(path, path + size);
+    int number = index;
+    const int result = pick(window, buffer.data(), size, &number);
+    if (result == 1) {
+      std::transform(buffer.begin(), buffer.end(), path,
+                     [](wchar_t unit) { return static_cast<char16_t>(unit); });
+      index = number;
+    }
+    if (result == 1 || result == 0) return result;
   }
-  return result;
+  // No working picker in the shell: it is missing, or it answered with neither OK nor Cancel
+  // without showing anything. The program's own takes its place, on the caller's buffer.
+  return ShowIconPicker(window, path, size, index);
 }
 
 GdiHandle Win32Icons::ListHandle(void* list) {

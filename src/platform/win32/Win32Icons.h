@@ -1,6 +1,6 @@
 #pragma once
 // Icons through shell32, user32 and comctl32, and the shell's icon picker, which shell32 exports
-// by number only.
+// by number only, with the program's own picker where the shell's does not work.
 #include <utility>
 #include <vector>
 
@@ -25,7 +25,9 @@ class Win32Icons final : public Icons {
                               std::int32_t y, std::uint32_t flags) override;
   std::int32_t ImageList_GetIconSize(GdiHandle list, std::int32_t& width,
                                      std::int32_t& height) override;
-  // 0 when shell32 has no export 62.
+  // The shell's picker where it works: it answers 1 (OK) or 0 (Cancel). Where shell32 has no
+  // export 62, or it answers anything else, the program's own picker (Win32IconPicker.h) is
+  // shown instead, with the same arguments and results.
   std::int32_t PickIconDlg(GdiHandle owner, char16_t* path, std::uint32_t size,
                            std::int32_t& index) override;
 
