@@ -161,6 +161,25 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error) {
   return true;
 }
 
+bool ListBoxItemRect(HWND list, int index, RECT& area, std::string& error) {
+  const LRESULT count = ::SendMessageA(list, LB_GETCOUNT, 0, 0);
+  if (count == LB_ERR || index < 0 || index >= count) {
+    error = "the list box has no item " + std::to_string(index) + " (it has " +
+            std::to_string(count) + ")";
+    return false;
+  }
+  RECT item{};
+  if (::SendMessageA(list, LB_GETITEMRECT, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&item)) == LB_ERR ||
+      item.right <= item.left || item.bottom <= item.top) {
+    error = "LB_GETITEMRECT gave no rectangle for item " + std::to_string(index);
+    return false;
+  }
+  area = item;
+  ::MapWindowPoints(list, nullptr, reinterpret_cast<POINT*>(&area), 2);
+  return true;
+}
+
 namespace {
 
 // Mouse events at a point of the screen: each carries the point, in the 0 to 65535 units of the

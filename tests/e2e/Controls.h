@@ -40,6 +40,10 @@ bool ReadTreeView(HWND tree, std::vector<RemoteItem>& items, int& count, std::st
 // of a tree view of another process. False, with `error`, when there is no such item shown.
 bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error);
 
+// The screen rectangle of item `index` of a list box of another process (the system carries
+// the rectangle between the processes). False, with `error`, when the list has no such item.
+bool ListBoxItemRect(HWND list, int index, RECT& area, std::string& error);
+
 // A click of the left button at a point of the screen, as the user makes it.
 void ClickAt(POINT point);
 

@@ -47,6 +47,9 @@ const char kStockOther[] = "syncui.dll,0";
 const char kLibrary[] = "C:\\windows\\system32\\shell32.dll";
 constexpr int kSeedIndex = 3;
 constexpr int kOutsideIndex = 4;
+// The icons chosen in the picker: shown in its list without scrolling, next to the row's own.
+constexpr int kPickedIndex = 5;
+constexpr int kSecondPickIndex = 6;
 // Without this value the shell refresh after every write fails; Windows has it.
 const char kWindowMetrics[] = "Control Panel\\Desktop\\WindowMetrics";
 const char kShellIconSize[] = "Shell Icon Size";
@@ -55,6 +58,11 @@ const char kRestartMessage[] = "Please restart to apply the changes";
 // was asked, with the owner and the file it was given.
 const char kShellTrace[] = "-all,fixme+shell";
 const char kPickerTrace[] = "fixme:shell:PickIconDlg (";
+// The picker dialog, as src/platform/win32/Win32IconPicker.h describes it to programs that
+// drive it: its title, and its controls by their ids.
+const char kPickerTitle[] = "Change Icon";
+constexpr int kPickerPathId = 1002;
+constexpr int kPickerListId = 1005;
 
 std::string Location(int index) { return std::string(kLibrary) + "," + std::to_string(index); }
 
@@ -336,6 +344,17 @@ std::string DialogText(HWND dialog) {
   return text;
 }
 
+// The text of a control of another process, as the control itself gives it.
+std::string ControlText(HWND control) {
+  char text[1024] = {};
+  DWORD_PTR length = 0;
+  if (::SendMessageTimeoutA(control, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text),
+                            SMTO_ABORTIFHUNG, kChangeTimeout, &length) == 0) {
+    return std::string();
+  }
+  return std::string(text, std::min<std::size_t>(length, sizeof text - 1));
+}
+
 // The registry values of the row: the class's DefaultIcon and the class id's.
 struct RowKeys {
   std::optional<std::string> classIcon;
@@ -406,9 +425,24 @@ class IconSession {
     int position = 0;
     POINT point{};
     if (!Nodes(verdict, items, position) || !RowPoint(verdict, position, point)) return false;
-    ClickAt(point);
+    ClickRow(point, false);
     return verdict.Check(WaitUntil(kChangeTimeout, [&] { return RowSelected(); }),
                          std::string("a click on \"") + kRow + "\" did not select it");
+  }
+
+  // A click or a double click on the row's node at `point`. A click that follows the last one
+  // within the system's double-click time would make a double click of the two, which opens the
+  // picker: a person pauses between them, and so does this.
+  void ClickRow(POINT point, bool twice) {
+    const ULONGLONG apart = ::GetDoubleClickTime() + 200ULL;
+    const ULONGLONG since = ::GetTickCount64() - lastRowClick_;
+    if (since < apart) ::Sleep(static_cast<DWORD>(apart - since));
+    if (twice) {
+      DoubleClickAt(point);
+    } else {
+      ClickAt(point);
+    }
+    lastRowClick_ = ::GetTickCount64();
   }
 
   // How many pixels of the preview sIcon differ from icon `index` of the library drawn as the
@@ -473,53 +507,126 @@ class IconSession {
   std::size_t TraceSize() const { return FileText(trace_).size(); }
   bool HasTrace() const { return !trace_.empty(); }
 
-  // After a request for the picker: a dialog of the program's owned by the main window, or, from
-  // a picker that answers at once, the request in the trace and no dialog. Either way the row is
-  // unchanged as long as nothing was picked, which this driver does not do.
-  void PickerAsked(Verdict& verdict, std::size_t traceFrom, const std::string& shot) {
-    std::vector<PickerRequest> requests;
+  // The picker after a request for it: a dialog "Change Icon" owned by the main window, on
+  // `file`, listing as many icons as the file has, with icon `index` selected. Null, with the
+  // reason in `verdict`, when no dialog appears.
+  HWND PickerShown(Verdict& verdict, std::size_t traceFrom, const std::string& file, int index) {
     HWND dialog = nullptr;
+    if (!verdict.Check(WaitUntil(kChangeTimeout,
+                                 [&] { return (dialog = DialogOf(child_.id)) != nullptr; }),
+                       "no picker dialog appeared within " +
+                           std::to_string(kChangeTimeout / 1000) + " s")) {
+      return nullptr;
+    }
+    verdict.Check(TextOf(dialog) == kPickerTitle,
+                  "the dialog is titled \"" + TextOf(dialog) + "\", not \"" + kPickerTitle + "\"");
+    verdict.Check(::GetWindow(dialog, GW_OWNER) == window_,
+                  "the picker is not owned by the main window");
+    const HWND field = ::GetDlgItem(dialog, kPickerPathId);
+    const HWND list = ::GetDlgItem(dialog, kPickerListId);
+    if (!verdict.Check(field != nullptr && list != nullptr && ClassNameOf(list) == "ListBox",
+                       "the picker has no path field or no list box of icons")) {
+      return dialog;
+    }
+    verdict.Check(ControlText(field) == file, "the picker's path field holds \"" +
+                                                  ControlText(field) + "\", not \"" + file + "\"");
+    const int icons = static_cast<int>(::ExtractIconExA(file.c_str(), -1, nullptr, nullptr, 0));
+    int count = 0;
     WaitUntil(kChangeTimeout, [&] {
-      dialog = DialogOf(child_.id);
-      if (dialog != nullptr) return true;
-      if (!HasTrace()) return false;
-      requests = PickerRequestsSince(traceFrom);
-      return !requests.empty();
+      return (count = static_cast<int>(::SendMessageA(list, LB_GETCOUNT, 0, 0))) == icons;
     });
-    if (dialog == nullptr) {
-      ::Sleep(300);  // a dialog would have been made before the request was told
-      dialog = DialogOf(child_.id);
+    verdict.Check(count == icons, "the picker lists " + std::to_string(count) + " icons, not the " +
+                                      std::to_string(icons) + " of " + file);
+    const int selected = static_cast<int>(::SendMessageA(list, LB_GETCURSEL, 0, 0));
+    verdict.Check(selected == index, "the picker has icon " + std::to_string(selected) +
+                                         " selected, not the row's " + std::to_string(index));
+    // Where the shell's own picker is a stub (Wine's), it was asked first and told so.
+    if (HasTrace()) {
+      const std::vector<PickerRequest> requests = PickerRequestsSince(traceFrom);
+      if (!requests.empty() && requests.front().owner == reinterpret_cast<std::uintptr_t>(window_) &&
+          requests.front().file == file) {
+        verdict.Note("the shell's picker answered at once without a dialog; the program's own "
+                     "was shown");
+      }
     }
-    SaveShot(verdict, shot);
-    if (dialog != nullptr) {
-      const HWND owner = ::GetWindow(dialog, GW_OWNER);
-      verdict.Check(false, "a picker dialog appeared (owned by the main window: " +
-                               std::string(owner == window_ ? "yes" : "no") +
-                               "); choosing an icon in it is not driven here");
-      if (HWND cancel = ::GetDlgItem(dialog, IDCANCEL)) ClickAt(Centre(ScreenRect(cancel)));
-      WaitUntil(kChangeTimeout, [&] { return ::IsWindowVisible(dialog) == 0; });
+    ::Sleep(300);  // let it paint before a picture is taken
+    return dialog;
+  }
+
+  // A click on icon `index` in the picker's list, which selects it.
+  bool ChooseIcon(Verdict& verdict, HWND dialog, int index) {
+    const HWND list = ::GetDlgItem(dialog, kPickerListId);
+    RECT item{};
+    std::string error;
+    if (!verdict.Check(list != nullptr && ListBoxItemRect(list, index, item, error),
+                       "the picker's icon " + std::to_string(index) + ": " + error)) {
+      return false;
+    }
+    RECT shown{};
+    ::GetClientRect(list, &shown);
+    ::MapWindowPoints(list, nullptr, reinterpret_cast<POINT*>(&shown), 2);
+    if (!verdict.Check(item.left >= shown.left && item.right <= shown.right &&
+                           item.top >= shown.top && item.bottom <= shown.bottom,
+                       "the picker's icon " + std::to_string(index) + " at " +
+                           e2e::Describe(item) + " is not shown in the list at " +
+                           e2e::Describe(shown))) {
+      return false;
+    }
+    // Something is drawn in the icon's cell: it is not of the list's one colour.
+    std::vector<std::uint32_t> cell;
+    std::string shotError;
+    if (verdict.Check(CaptureScreen(item, cell, shotError), "the picker's list: " + shotError)) {
+      verdict.Check(std::any_of(cell.begin(), cell.end(),
+                                [&](std::uint32_t p) { return !Close(p, cell.front()); }),
+                    "the picker's cell of icon " + std::to_string(index) + " is empty");
+    }
+    ClickAt(Centre(item));
+    return verdict.Check(WaitUntil(kChangeTimeout,
+                                   [&] {
+                                     return ::SendMessageA(list, LB_GETCURSEL, 0, 0) == index;
+                                   }),
+                         "a click on the picker's icon " + std::to_string(index) +
+                             " did not select it");
+  }
+
+  // A click on the picker's button `id` (OK or Cancel), which closes it.
+  bool ClosePicker(Verdict& verdict, HWND dialog, int id, const std::string& name) {
+    const HWND button = ::GetDlgItem(dialog, id);
+    if (!verdict.Check(button != nullptr && ::IsWindowVisible(button) != 0 &&
+                           ::IsWindowEnabled(button) != 0,
+                       "the picker's " + name + " button is missing or disabled")) {
+      ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+      return false;
+    }
+    ClickAt(Centre(ScreenRect(button)));
+    return verdict.Check(
+        WaitUntil(kChangeTimeout,
+                  [&] { return ::IsWindow(dialog) == 0 || ::IsWindowVisible(dialog) == 0; }),
+        "the picker is still shown after a click on " + name);
+  }
+
+  // The row staged: its node bold with another image than `before` shows, the preview on icon
+  // `index`, and nothing written yet.
+  void RowStaged(Verdict& verdict, const std::vector<RemoteItem>& before, const RowKeys& keysBefore,
+                 int index) {
+    std::vector<RemoteItem> items;
+    int position = 0;
+    const bool read = WaitUntil(kChangeTimeout, [&] {
+      Verdict ignored;
+      return Nodes(ignored, items, position) && items[static_cast<std::size_t>(position) - 1].bold;
+    });
+    if (!verdict.Check(read, std::string("\"") + kRow + "\" did not turn bold") ||
+        !Nodes(verdict, items, position)) {
       return;
     }
-    if (!HasTrace()) {
-      verdict.Check(false,
-                    "no dialog appeared, and without the platform's trace nothing tells "
-                    "whether the picker was asked");
-      return;
-    }
-    if (!verdict.Check(requests.size() == 1,
-                       std::to_string(requests.size()) +
-                           " requests to the picker in the trace, not 1, and no dialog")) {
-      return;
-    }
-    const PickerRequest& request = requests.front();
-    verdict.Check(request.owner == reinterpret_cast<std::uintptr_t>(window_),
-                  "the picker was asked with the owner window " + std::to_string(request.owner) +
-                      ", not the main window " +
-                      std::to_string(reinterpret_cast<std::uintptr_t>(window_)));
-    verdict.Check(request.file == kLibrary, "the picker was asked with the file \"" + request.file +
-                                                "\", not the row's \"" + kLibrary + "\"");
-    verdict.Note("the platform's picker was asked with the row's file " + request.file +
-                 " and the main window as owner, and answered at once without a dialog");
+    const RemoteItem& node = items[static_cast<std::size_t>(position) - 1];
+    const RemoteItem& was = before[static_cast<std::size_t>(position) - 1];
+    verdict.Check(node.image != was.image && node.selectedImage == node.image,
+                  std::string("\"") + kRow + "\" shows image " + std::to_string(node.image) + "/" +
+                      std::to_string(node.selectedImage) + ", before " + std::to_string(was.image));
+    PreviewShows(verdict, index, "after the picker's OK");
+    verdict.Check(Keys() == keysBefore, "staging wrote to the registry: " + Describe(Keys()) +
+                                            ", before " + Describe(keysBefore));
   }
 
   // The row as it was: its node neither bold nor showing another image, no node bold, the
@@ -607,8 +714,9 @@ class IconSession {
 
   // --- the cases -----------------------------------------------------------------------------
 
-  // A double click on the row asks the picker for a new icon, starting on the row's icon.
-  Verdict DoubleClickCase() {
+  // A double click on the row opens the picker on the row's icon; an icon clicked there and
+  // then Cancel change nothing.
+  Verdict CancelCase() {
     Verdict verdict;
     std::vector<RemoteItem> before;
     int position = 0;
@@ -616,27 +724,91 @@ class IconSession {
     if (!Nodes(verdict, before, position) || !RowPoint(verdict, position, point)) return verdict;
     const RowKeys keys = Keys();
     const std::size_t traceFrom = HasTrace() ? TraceSize() : 0;
-    DoubleClickAt(point);
+    ClickRow(point, true);
     verdict.Check(WaitUntil(kChangeTimeout, [&] { return RowSelected(); }),
                   std::string("the double click did not select \"") + kRow + "\"");
-    PickerAsked(verdict, traceFrom, "e2e-icon-dblclick");
-    RowUnchanged(verdict, before, keys, kSeedIndex);
+    const HWND dialog = PickerShown(verdict, traceFrom, kLibrary, rowIndex_);
+    SaveShot(verdict, "e2e-icon-picker");
+    if (dialog == nullptr) return verdict;
+    ChooseIcon(verdict, dialog, kPickedIndex);
+    ClosePicker(verdict, dialog, IDCANCEL, "Cancel");
+    RowUnchanged(verdict, before, keys, rowIndex_);
+    verdict.Note("the picker opened on " + std::string(kLibrary) + " with icon " +
+                 std::to_string(rowIndex_) + " selected, owned by the main window; Cancel " +
+                 "after a click on icon " + std::to_string(kPickedIndex) + " changed nothing");
     return verdict;
   }
 
-  // CmdChange with the row selected asks the picker the same way.
-  Verdict ChangeCase() {
+  // A double click on the row, another icon chosen in the picker and OK stage the row: bold,
+  // with the new image, nothing written. CmdApply then writes the chosen location to both of
+  // the row's keys, shows its message and rebuilds the tree with no node bold.
+  Verdict StageAndApplyCase() {
     Verdict verdict;
     std::vector<RemoteItem> before;
     int position = 0;
-    if (!Nodes(verdict, before, position)) return verdict;
-    verdict.Check(before[static_cast<std::size_t>(position) - 1].selected,
-                  std::string("\"") + kRow + "\" is not selected before CmdChange");
+    POINT point{};
+    if (!Nodes(verdict, before, position) || !RowPoint(verdict, position, point) ||
+        !IconsDiffer(verdict, rowIndex_, kPickedIndex)) {
+      return verdict;
+    }
     const RowKeys keys = Keys();
-    const std::size_t traceFrom = HasTrace() ? TraceSize() : 0;
+    ClickRow(point, true);
+    const HWND dialog = PickerShown(verdict, 0, kLibrary, rowIndex_);
+    if (dialog == nullptr || !ChooseIcon(verdict, dialog, kPickedIndex) ||
+        !ClosePicker(verdict, dialog, IDOK, "OK")) {
+      return verdict;
+    }
+    RowStaged(verdict, before, keys, kPickedIndex);
+    ::Sleep(300);  // let it paint before the picture is taken
+    SaveShot(verdict, "e2e-icon-staged");
+    if (!verdict.Passed() || !ClickCommand(verdict, "CmdApply")) return verdict;
+    RestartMessage(verdict, "e2e-icon-applied");
+    const std::string chosen = Location(kPickedIndex);
+    const RowKeys written = Keys();
+    verdict.Check(written.classIcon == chosen && written.classIdIcon == chosen,
+                  "after CmdApply: " + Describe(written) + ", not \"" + chosen + "\" in both");
+    Rebuilt(verdict, before.size());
+    if (SelectRow(verdict)) PreviewShows(verdict, kPickedIndex, "after the rebuild");
+    rowIndex_ = kPickedIndex;
+    verdict.Note("staged bold with a new image, then both keys hold \"" + chosen +
+                 "\", the message shown, no node bold");
+    return verdict;
+  }
+
+  // CmdChange opens the picker on the row's icon; another icon and OK stage the row, and
+  // CmdReset takes the staging back: not bold, the image of the last fill, the preview on the
+  // row's icon, and the registry unchanged.
+  Verdict StageAndResetCase() {
+    Verdict verdict;
+    std::vector<RemoteItem> before;
+    int position = 0;
+    if (!Nodes(verdict, before, position) || !SelectRow(verdict) ||
+        !IconsDiffer(verdict, rowIndex_, kSecondPickIndex)) {
+      return verdict;
+    }
+    const RowKeys keys = Keys();
     if (!ClickCommand(verdict, "CmdChange")) return verdict;
-    PickerAsked(verdict, traceFrom, "e2e-icon-change");
-    RowUnchanged(verdict, before, keys, kSeedIndex);
+    const HWND dialog = PickerShown(verdict, 0, kLibrary, rowIndex_);
+    if (dialog == nullptr || !ChooseIcon(verdict, dialog, kSecondPickIndex) ||
+        !ClosePicker(verdict, dialog, IDOK, "OK")) {
+      return verdict;
+    }
+    RowStaged(verdict, before, keys, kSecondPickIndex);
+    if (!verdict.Passed() || !ClickCommand(verdict, "CmdReset")) return verdict;
+    verdict.Check(WaitUntil(kChangeTimeout,
+                            [&] {
+                              Verdict ignored;
+                              std::vector<RemoteItem> items;
+                              int at = 0;
+                              return Nodes(ignored, items, at) &&
+                                     !items[static_cast<std::size_t>(at) - 1].bold;
+                            }),
+                  std::string("\"") + kRow + "\" is still bold after CmdReset");
+    verdict.Check(DialogOf(child_.id) == nullptr, "a dialog appeared after CmdReset");
+    RowUnchanged(verdict, before, keys, rowIndex_);
+    verdict.Note("staged icon " + std::to_string(kSecondPickIndex) +
+                 " through CmdChange; CmdReset put the node's image and the preview back, "
+                 "nothing written");
     return verdict;
   }
 
@@ -661,7 +833,7 @@ class IconSession {
       }
       verdict.Check(same, "TvDesktop changed after CmdReset on a node that is not bold");
     }
-    RowUnchanged(verdict, before, keys, kSeedIndex);
+    RowUnchanged(verdict, before, keys, rowIndex_);
     verdict.Note(std::string("\"") + kRow + "\" not bold: CmdReset changed nothing");
     return verdict;
   }
@@ -673,7 +845,7 @@ class IconSession {
     Verdict verdict;
     std::vector<RemoteItem> before;
     int position = 0;
-    if (!Nodes(verdict, before, position) || !IconsDiffer(verdict, kSeedIndex, kOutsideIndex)) {
+    if (!Nodes(verdict, before, position) || !IconsDiffer(verdict, rowIndex_, kOutsideIndex)) {
       return verdict;
     }
     const std::string outside = Location(kOutsideIndex);
@@ -681,14 +853,15 @@ class IconSession {
       return verdict;
     }
     // The row still holds what it read at the start.
-    PreviewShows(verdict, kSeedIndex, "before CmdApply");
+    PreviewShows(verdict, rowIndex_, "before CmdApply");
     const RowKeys keys = Keys();
     if (!ClickCommand(verdict, "CmdApply")) return verdict;
-    RestartMessage(verdict, "e2e-icon-applied");
+    RestartMessage(verdict, "e2e-icon-applied-unstaged");
     verdict.Check(Keys() == keys, "CmdApply with nothing staged changed the registry: " +
                                       Describe(Keys()) + ", before " + Describe(keys));
     Rebuilt(verdict, before.size());
     if (SelectRow(verdict)) PreviewShows(verdict, kOutsideIndex, "after the rebuild");
+    rowIndex_ = kOutsideIndex;
     verdict.Note("no node bold: nothing written (" + Describe(keys) +
                  "), the message shown, and the rebuilt row shows the icon set from outside");
     return verdict;
@@ -718,6 +891,10 @@ class IconSession {
   std::string trace_;
   const SavedValue& classIcon_;
   const SavedValue& classIdIcon_;
+  // The icon of the row's file that the row holds now.
+  int rowIndex_ = kSeedIndex;
+  // When the row's node was last clicked.
+  ULONGLONG lastRowClick_ = 0;
 };
 
 }  // namespace
@@ -757,8 +934,12 @@ void RunIconChanges(const std::string& program, const std::string& screenshotFol
   }
   ::Sleep(500);  // let it paint
   IconSession session(window, child, screenshotFolder, traceFile, classIcon, classIdIcon);
-  report(std::string("icons: double click on \"") + kRow + "\"", session.DoubleClickCase());
-  report(std::string("icons: CmdChange on \"") + kRow + "\"", session.ChangeCase());
+  report(std::string("icons: double click on \"") + kRow + "\", Cancel in the picker",
+         session.CancelCase());
+  report(std::string("icons: double click on \"") + kRow + "\", another icon, OK, CmdApply",
+         session.StageAndApplyCase());
+  report(std::string("icons: CmdChange on \"") + kRow + "\", another icon, OK, CmdReset",
+         session.StageAndResetCase());
   report(std::string("icons: CmdReset on \"") + kRow + "\", not bold", session.ResetCase());
   report("icons: CmdApply with nothing staged", session.ApplyCase());
   report(std::string("icons: CmdDefault on \"") + kRow + "\"", session.DefaultCase());
