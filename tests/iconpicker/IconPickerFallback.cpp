@@ -587,6 +587,85 @@ TEST_F(IconPickerFallback, ABufferWithoutANulIsReadToItsSizeAndCanNotBeConfirmed
   EXPECT_TRUE(buffer.units == before);
 }
 
+// The system's file dialog of another thread's dialog: its "#32770" window owned by `owner`.
+HWND OwnedDialog(HWND owner) {
+  struct Search {
+    HWND owner;
+    HWND found = nullptr;
+  } search{owner};
+  ::EnumThreadWindows(
+      ::GetWindowThreadProcessId(owner, nullptr),
+      [](HWND window, LPARAM data) -> BOOL {
+        auto& s = *reinterpret_cast<Search*>(data);
+        char name[16] = {};
+        ::GetClassNameA(window, name, sizeof name);
+        if (std::string(name) == "#32770" && ::GetWindow(window, GW_OWNER) == s.owner &&
+            ::IsWindowVisible(window) != FALSE) {
+          s.found = window;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+// The texts of a combo box's entries.
+std::vector<std::string> ComboEntries(HWND combo) {
+  std::vector<std::string> entries;
+  const auto count = static_cast<int>(::SendMessageA(combo, CB_GETCOUNT, 0, 0));
+  for (int i = 0; i < count; ++i) {
+    char text[256] = {};
+    if (::SendMessageA(combo, CB_GETLBTEXTLEN, static_cast<WPARAM>(i), 0) < 255) {
+      ::SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+    }
+    entries.emplace_back(text);
+  }
+  return entries;
+}
+
+TEST_F(IconPickerFallback, BrowseOffersIconFilesAndLoadsTheFileChosen) {
+  // The system's file dialog: its file types and its file name, by the ids it has always had.
+  constexpr int kFileTypes = 0x470;
+  constexpr int kFileNameCombo = 0x47C;
+  constexpr int kFileNameEdit = 0x480;
+  Buffer buffer(library_, 260);
+  std::int32_t index = 9;
+  std::vector<std::string> types;
+  const std::int32_t result = Show(nullptr, buffer, index, [&](Remote& r) {
+    // Posted: the file dialog runs inside the click's handling.
+    ::PostMessageW(r.Dialog(), WM_COMMAND, MAKEWPARAM(ip::kBrowseId, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(r.Item(ip::kBrowseId)));
+    HWND files = nullptr;
+    if (!r.Await([&] { return (files = OwnedDialog(r.Dialog())) != nullptr; },
+                 "no file dialog owned by the picker appeared")) {
+      return;
+    }
+    types = ComboEntries(::GetDlgItem(files, kFileTypes));
+    HWND name = ::GetDlgItem(files, kFileNameCombo);
+    if (name == nullptr) name = ::GetDlgItem(files, kFileNameEdit);
+    if (!r.Check(name != nullptr, "the file dialog has no file name field")) {
+      ::PostMessageW(files, WM_COMMAND, IDCANCEL, 0);
+      return;
+    }
+    ::SendMessageA(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ico_.c_str()));
+    ::PostMessageW(files, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(::GetDlgItem(files, IDOK)));
+    r.Await([&] { return r.Text(ip::kPathId) == Wide(ico_); },
+            "the file chosen is not in the path's field");
+    r.Await([&] { return r.Count() == IconsIn(ico_); }, "the file chosen was not loaded");
+    r.Check(r.Selected() == 0, "the first icon of the file chosen is not selected");
+    r.ClickButton(IDOK);
+  });
+  EXPECT_EQ(Joined(failures_), "");
+  ASSERT_EQ(types.size(), 2u);
+  EXPECT_EQ(types[0], "Icon files (*.ico;*.exe;*.dll;*.icl)");
+  EXPECT_EQ(types[1], "All files (*.*)");
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(index, 0);
+  EXPECT_EQ(buffer.Text(), ico_);
+}
+
 // Through the platform's port: where the shell's picker works it is the one shown; where it
 // answers at once without a dialog (as Wine's does), the program's own is. Either is a modal
 // "Change Icon" dialog owned by the window given, and Cancel leaves everything as it was.
