@@ -5,7 +5,9 @@
 # through "Quorvane.Exit", and what a run leaves on the machine (the program's registry key, its
 # data folder with Empty.ico), the pages, zones and hover pictures driven by the pointer; then
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
-# its command, at a display scaling of 150 %. One screenshot per run and case goes to build/screenshots/. Ends with
+# its command, at a display scaling of 150 %; then the wallpaper settings dialog over two collections
+# packed from Debian's desktop backgrounds, and the wallpaper change it sets up (skipped, with a
+# note, where no such pictures are installed). One screenshot per run and case goes to build/screenshots/. Ends with
 # "N passed, M failed"; the exit status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
@@ -123,6 +125,76 @@ at_scaling 144
 drive "$work/navigation-xp.txt" navigation "$shots_w" e2e-xp-150-
 at_scaling 96
 as_vista
+
+# The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made,
+# packed by the Windows build's own packer into the program's data folder before the program
+# starts. "Photos" takes the two smallest JPEGs (PNGs where there are none), "Drawings" the two
+# smallest PNGs (or JPEGs); the first is the one the run ticks. The manifest tells the driver each
+# picture's size, as ImageMagick reads it. What the data folder held of the same names is put
+# back afterwards, and what the run made there is removed.
+settings_run() {
+  local backgrounds=/usr/share/backgrounds
+  local -a jpegs pngs photos drawings
+  mapfile -t jpegs < <(ls -S -r "$backgrounds"/*.jpg 2>/dev/null)
+  mapfile -t pngs < <(ls -S -r "$backgrounds"/*.png 2>/dev/null)
+  if [ ${#jpegs[@]} -eq 0 ] && [ ${#pngs[@]} -eq 0 ]; then
+    echo "note: the settings run is skipped: no pictures in $backgrounds (Debian's desktop-base)"
+    return 0
+  fi
+  photos=("${jpegs[@]:0:2}")
+  [ ${#photos[@]} -gt 0 ] || photos=("${pngs[@]:0:2}")
+  drawings=("${pngs[@]:0:2}")
+  [ ${#drawings[@]} -gt 0 ] || drawings=("${jpegs[@]:0:2}")
+  [ -f "$bin/cab_probe.exe" ] || {
+    report+="FAIL settings: $bin/cab_probe.exe is missing"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  }
+  local appdata data_w data_u kept="$work/settings-kept" manifest="$work/settings-manifest.txt"
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+    report+="FAIL settings: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  fi
+  mkdir -p "$data_u"
+  rm -rf "$kept"
+  mkdir -p "$kept"
+  local name
+  for name in Photos Photos.RXS Drawings Drawings.RXS Files.ini WP.bmp Temp.JPG Temp.PNG; do
+    [ -e "$data_u/$name" ] && mv "$data_u/$name" "$kept/"
+  done
+  : >"$manifest"
+  local collection picture size packed=1
+  local -a members files
+  for collection in Photos Drawings; do
+    if [ "$collection" = Photos ]; then members=("${photos[@]}"); else members=("${drawings[@]}"); fi
+    files=()
+    for picture in "${members[@]}"; do
+      files+=("$(winepath -w "$picture" 2>/dev/null)")
+      size="$(/usr/bin/identify -format '%w %h' "$picture[0]" 2>/dev/null)"
+      printf '%s\t%s\t%s\t%s\n' "$collection" "$(basename "$picture")" "${size% *}" "${size#* }" \
+        >>"$manifest"
+    done
+    if ! wine "$bin/cab_probe.exe" pack "$data_w\\$collection.RXS" "${files[@]}" \
+        >>"$work/wine.log" 2>&1 </dev/null; then
+      packed=0
+    fi
+  done
+  if [ "$packed" = 1 ]; then
+    echo "collections: Photos (${photos[*]##*/}), Drawings (${drawings[*]##*/})"
+    drive "$work/settings.txt" settings "$shots_w" "$(winepath -w "$manifest" 2>/dev/null)"
+  else
+    report+="FAIL settings: cab_probe.exe could not pack the collections"$'\n'"0 passed, 1 failed"$'\n'
+  fi
+  for name in Photos Photos.RXS Drawings Drawings.RXS Files.ini WP.bmp Temp.JPG Temp.PNG; do
+    rm -rf "${data_u:?}/$name"
+    [ -e "$kept/$name" ] && mv "$kept/$name" "$data_u/"
+  done
+  rm -rf "$kept"
+}
+echo "== end to end: the wallpaper settings and the change they make"
+settings_run
 
 for bmp in "$shots"/e2e-*.bmp; do
   [ -f "$bmp" ] || continue

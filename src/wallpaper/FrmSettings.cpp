@@ -79,9 +79,9 @@ FrmSettings::FrmSettings() {
   Place(Label1, 240, 180, 6720, 600, &Picture1);
   Place(Picture2, 0, 960, 7200, 3900);
   Place(ChkEnable, 240, 180, 5400, 300, &Picture2);
-  Place(Label2, 240, 630, 2040, 255, &Picture2);
-  Place(CboMinutes, 2280, 585, 900, 330, &Picture2);
-  Place(Label3, 3300, 630, 1200, 255, &Picture2);
+  Place(Label2, 240, 630, 2460, 255, &Picture2);
+  Place(CboMinutes, 2700, 585, 900, 330, &Picture2);
+  Place(Label3, 3720, 630, 1200, 255, &Picture2);
   Place(Frame1, 240, 1080, 6720, 780, &Picture2);
   Place(OptSequentially, 240, 360, 3000, 300, &Frame1);
   Place(OptRandomally, 3480, 360, 3000, 300, &Frame1);

@@ -10,6 +10,9 @@
 //       icon (IconChanges.cpp), and writes one line per case to the result file, then
 //       "N passed, M failed". The trace file is where Wine's diagnostics of the programs in the
 //       desktop go.
+//   e2e_driver settings <result file> <screenshot folder> <manifest file>
+//       One run for the wallpaper settings (Settings.cpp): the dialog opened with CmdSettings,
+//       a collection of the manifest ticked and saved, then the wallpaper changed at once.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -33,6 +36,7 @@
 #include "Desktop.h"
 #include "IconChanges.h"
 #include "Navigation.h"
+#include "Settings.h"
 #include "Verdict.h"
 
 namespace {
@@ -559,6 +563,22 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   return failed == 0 ? 0 : 1;
 }
 
+int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
+                const std::string& manifest) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  int passed = 0;
+  int failed = 0;
+  RunSettings(OwnFolder() + "quorvane.exe", screenshotFolder, manifest,
+              [&](const std::string& name, const Verdict& verdict) {
+                (verdict.Passed() ? passed : failed) += 1;
+                result.Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " +
+                            verdict.Summary());
+              });
+  result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
+  return failed == 0 ? 0 : 1;
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -598,6 +618,7 @@ int main(int argc, char** argv) {
     return RunModes(argv[2], argv[3], argc == 5 ? argv[4] : "");
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
+  if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;
