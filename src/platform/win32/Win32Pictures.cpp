@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/Failure.h"
@@ -21,6 +22,9 @@ namespace quorvane::platform::win32 {
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
+
+// The piece of a bitmap file made and written at a time when a picture is saved.
+constexpr std::uint64_t kSaveBufferBytes = std::uint64_t{1} << 18;
 
 [[noreturn]] void RaiseInvalidPicture() { Raise(FailureNumber::InvalidPicture, "Invalid picture"); }
 
@@ -58,6 +62,7 @@ class FileHandle {
   FileHandle& operator=(const FileHandle&) = delete;
   HANDLE Get() const { return h_; }
   bool Close() {
+    if (h_ == INVALID_HANDLE_VALUE) return true;
     const HANDLE h = h_;
     h_ = INVALID_HANDLE_VALUE;
     return ::CloseHandle(h) != FALSE;
@@ -81,7 +86,63 @@ class ScreenContext {
   HDC dc_;
 };
 
-std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
+// Movable global memory, as the loader's streams want it, locked while this holds it.
+class GlobalBlock {
+ public:
+  GlobalBlock() = default;
+  explicit GlobalBlock(std::size_t size) {
+    if (size == 0) return;
+    memory_ = ::GlobalAlloc(GMEM_MOVEABLE, size);
+    if (memory_ == nullptr) return;
+    data_ = static_cast<std::uint8_t*>(::GlobalLock(memory_));
+    if (data_ != nullptr) size_ = size;
+  }
+  explicit GlobalBlock(Bytes bytes) : GlobalBlock(bytes.size()) {
+    if (size_ != 0 && size_ == bytes.size()) std::memcpy(data_, bytes.data(), size_);
+  }
+  ~GlobalBlock() { Free(); }
+  GlobalBlock(GlobalBlock&& other) noexcept
+      : memory_(std::exchange(other.memory_, nullptr)),
+        data_(std::exchange(other.data_, nullptr)),
+        size_(std::exchange(other.size_, 0)) {}
+  GlobalBlock& operator=(GlobalBlock&& other) noexcept {
+    if (this != &other) {
+      Free();
+      memory_ = std::exchange(other.memory_, nullptr);
+      data_ = std::exchange(other.data_, nullptr);
+      size_ = std::exchange(other.size_, 0);
+    }
+    return *this;
+  }
+  GlobalBlock(const GlobalBlock&) = delete;
+  GlobalBlock& operator=(const GlobalBlock&) = delete;
+
+  std::uint8_t* Data() const { return data_; }
+  std::size_t Size() const { return size_; }
+  Bytes View() const { return {data_, size_}; }
+
+  // A stream over the bytes themselves, not a copy; the block must outlive it.
+  bool MakeStream(Com<IStream>& stream) const {
+    return size_ != 0 && SUCCEEDED(::CreateStreamOnHGlobal(memory_, FALSE, stream.Out()));
+  }
+
+ private:
+  void Free() {
+    if (data_ != nullptr) ::GlobalUnlock(memory_);
+    if (memory_ != nullptr) ::GlobalFree(memory_);
+    memory_ = nullptr;
+    data_ = nullptr;
+    size_ = 0;
+  }
+
+  HGLOBAL memory_ = nullptr;
+  std::uint8_t* data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+// The file's bytes, read straight into the memory the loader's stream is made over, so that the
+// picture file is held once rather than once more as the stream's copy.
+GlobalBlock ReadWholeFile(const std::string& path) {
   FileHandle file(::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                 nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (file.Get() == INVALID_HANDLE_VALUE) {
@@ -96,37 +157,22 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   if (!::GetFileSizeEx(file.Get(), &size)) RaiseAccess(path, ::GetLastError());
   // The loader reads from a stream whose length is a 32-bit count.
   if (size.QuadPart > 0x7FFFFFFF) RaiseInvalidPicture();
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size.QuadPart));
+  const auto expected = static_cast<std::size_t>(size.QuadPart);
+  GlobalBlock bytes(expected);
+  if (bytes.Size() != expected) Raise(FailureNumber::OutOfMemory, "Out of memory");
   std::size_t done = 0;
-  while (done < bytes.size()) {
+  while (done < expected) {
     DWORD read = 0;
-    if (!::ReadFile(file.Get(), bytes.data() + done, static_cast<DWORD>(bytes.size() - done),
-                    &read, nullptr)) {
+    if (!::ReadFile(file.Get(), bytes.Data() + done, static_cast<DWORD>(expected - done), &read,
+                    nullptr)) {
       RaiseAccess(path, ::GetLastError());
     }
     if (read == 0) break;
     done += read;
   }
-  bytes.resize(done);
+  // Cut short while it was read: the stream must end where the bytes do.
+  if (done < expected) return GlobalBlock(bytes.View().first(done));
   return bytes;
-}
-
-// A stream over a copy of the bytes in movable global memory, as the loader wants it.
-bool MakeStream(Bytes bytes, Com<IStream>& stream) {
-  HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes.size());
-  if (memory == nullptr) return false;
-  void* p = ::GlobalLock(memory);
-  if (p == nullptr) {
-    ::GlobalFree(memory);
-    return false;
-  }
-  std::memcpy(p, bytes.data(), bytes.size());
-  ::GlobalUnlock(memory);
-  if (FAILED(::CreateStreamOnHGlobal(memory, TRUE, stream.Out()))) {
-    ::GlobalFree(memory);
-    return false;
-  }
-  return true;
 }
 
 // A 32-bit top-down DIB section selected into a memory context.
@@ -160,9 +206,13 @@ class Canvas {
     std::fill_n(static_cast<std::uint32_t*>(bits_), Count(), colour);
   }
   std::vector<std::uint32_t> Take() const {
-    ::GdiFlush();
-    const auto* p = static_cast<const std::uint32_t*>(bits_);
+    const std::uint32_t* p = Bits();
     return std::vector<std::uint32_t>(p, p + Count());
+  }
+  // The pixels in place, valid until the next drawing.
+  const std::uint32_t* Bits() const {
+    ::GdiFlush();
+    return static_cast<const std::uint32_t*>(bits_);
   }
 
  private:
@@ -249,10 +299,14 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
     return pixels;
   }
   if (!draw(0xFFFFFFu)) return std::nullopt;
-  const std::vector<std::uint32_t> onWhite = canvas.Take();
+  const std::uint32_t* onWhite = canvas.Bits();
   for (std::size_t i = 0; i < pixels.bgra.size(); ++i) {
     const std::uint32_t black = pixels.bgra[i];
     const std::uint32_t white = onWhite[i];
+    if (((black ^ white) & 0xFFFFFFu) == 0) {  // nothing of the background shows
+      pixels.bgra[i] = black | 0xFF000000u;
+      continue;
+    }
     std::uint32_t through = 0;  // how much of the background shows, 0 to 255
     for (int shift = 0; shift < 24; shift += 8) {
       const std::uint32_t b = (black >> shift) & 0xFFu;
@@ -274,11 +328,11 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
   return pixels;
 }
 
-std::optional<ui::Pixels> LoadWithOle(Bytes bytes) {
+std::optional<ui::Pixels> LoadWithOle(const GlobalBlock& bytes) {
   Com<IStream> stream;
-  if (!MakeStream(bytes, stream)) return std::nullopt;
+  if (!bytes.MakeStream(stream)) return std::nullopt;
   Com<IPicture> picture;
-  if (FAILED(::OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.size()), FALSE, IID_IPicture,
+  if (FAILED(::OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.Size()), FALSE, IID_IPicture,
                               picture.OutVoid())) ||
       picture.Get() == nullptr) {
     return std::nullopt;
@@ -363,7 +417,8 @@ ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
 }
 
 ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
-  std::vector<std::uint8_t> bytes = ReadWholeFile(path);
+  GlobalBlock file = ReadWholeFile(path);
+  Bytes bytes = file.View();
   PictureKind kind = KindOfPicture(bytes);
   if (kind == PictureKind::Bitmap && !DecodeBitmapFile(bytes)) RaiseInvalidPicture();
   if (kind == PictureKind::Icon) {
@@ -374,23 +429,23 @@ ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
     if (largest.png) {
       // The image is a PNG file of its own, alpha and all: it is decoded as one, which gives
       // its pixels exactly rather than drawn on a background.
-      const std::vector<std::uint8_t> png(bytes.begin() + largest.offset,
-                                          bytes.begin() + largest.offset + largest.size);
-      bytes = png;
+      file = GlobalBlock(bytes.subspan(largest.offset, largest.size));
       kind = PictureKind::Png;
     } else if (Read16(bytes, 4) != 1) {
-      bytes = SingleEntryIconFile(bytes, largest);
+      file = GlobalBlock(Bytes(SingleEntryIconFile(bytes, largest)));
     }
+    bytes = file.View();
   }
   std::optional<ui::Pixels> pixels;
-  if (!bytes.empty()) pixels = LoadWithOle(bytes);
+  if (!bytes.empty()) pixels = LoadWithOle(file);
   if (!pixels && kind == PictureKind::Png) pixels = LoadWithImagingComponent(bytes);
   if (!pixels || pixels->Empty()) RaiseInvalidPicture();
   return std::move(*pixels);
 }
 
 void Win32Pictures::SavePicture(const ui::Pixels& picture, const std::string& path) {
-  const std::vector<std::uint8_t> bytes = BitmapFileBytes(picture);
+  // Checks the picture before anything is made on disk.
+  BitmapFileEncoder encoder(picture);
   // A new file beside the old one, named for this process, takes the old one's place at the end.
   const std::string scratch = path + "." + std::to_string(::GetCurrentProcessId()) + ".saving";
   FileHandle file(::CreateFileA(scratch.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
@@ -403,26 +458,31 @@ void Win32Pictures::SavePicture(const ui::Pixels& picture, const std::string& pa
     }
     RaiseAccess(path, error);
   }
+  // Whatever went wrong, the scratch file goes and the old file stays as it was.
   const auto giveUp = [&](DWORD error) {
+    file.Close();
     ::DeleteFileA(scratch.c_str());
     RaiseAccess(path, error);
   };
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    DWORD written = 0;
-    const auto chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 24));
-    if (!::WriteFile(file.Get(), bytes.data() + done, chunk, &written, nullptr) || written == 0) {
-      const DWORD error = ::GetLastError();
-      file.Close();
-      giveUp(error);
+  // The file goes out a piece at a time through one small buffer: a whole wallpaper's bytes
+  // would be tens of megabytes of fresh memory, and touching that costs more than the writes.
+  std::vector<std::uint8_t> buffer(
+      static_cast<std::size_t>(std::min<std::uint64_t>(encoder.Size(), kSaveBufferBytes)));
+  while (!encoder.Done()) {
+    const std::size_t length = encoder.Next(buffer);
+    std::size_t done = 0;
+    while (done < length) {
+      DWORD written = 0;
+      if (!::WriteFile(file.Get(), buffer.data() + done, static_cast<DWORD>(length - done),
+                       &written, nullptr) ||
+          written == 0) {
+        giveUp(::GetLastError());
+      }
+      done += written;
     }
-    done += written;
   }
-  if (!::FlushFileBuffers(file.Get())) {
-    const DWORD error = ::GetLastError();
-    file.Close();
-    giveUp(error);
-  }
+  // On the disk before it replaces the old file, so that no crash can leave a part of it there.
+  if (!::FlushFileBuffers(file.Get())) giveUp(::GetLastError());
   if (!file.Close()) giveUp(::GetLastError());
   if (!::MoveFileExA(scratch.c_str(), path.c_str(),
                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
