@@ -1,5 +1,7 @@
 #include "ui/Controls.h"
 
+#include <utility>
+
 #include "core/Failure.h"
 
 namespace quorvane::ui {
@@ -205,6 +207,11 @@ PictureBox::PictureBox(std::string name, std::int32_t index) : Control(std::move
 
 void PictureBox::Picture(const Pixels& value) {
   picture_ = value;
+  Notify(Property::Picture);
+}
+
+void PictureBox::Picture(Pixels&& value) {
+  picture_ = std::move(value);
   Notify(Property::Picture);
 }
 

@@ -300,6 +300,8 @@ class PictureBox : public Control {
   // The picture shown, as pixels; empty for none.
   const Pixels& Picture() const { return picture_; }
   void Picture(const Pixels& value);
+  // Takes a picture over without copying it (a wallpaper's is tens of megabytes).
+  void Picture(Pixels&& value);
 
   // Persistent drawing: what is drawn on the box's context stays in its image.
   bool AutoRedraw() const { return autoRedraw_; }
