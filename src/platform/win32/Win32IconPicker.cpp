@@ -10,40 +10,16 @@
 #include <utility>
 #include <vector>
 
+#include "platform/win32/UniqueHandle.h"
+
 namespace quorvane::platform::win32 {
 
 namespace {
 
 namespace ip = icon_picker;
 
-// A handle closed once, by its owner.
 template <class Handle, void (*Close)(Handle)>
-class Owned {
- public:
-  Owned() = default;
-  explicit Owned(Handle handle) : handle_(handle) {}
-  ~Owned() { Reset(); }
-  Owned(Owned&& other) noexcept : handle_(std::exchange(other.handle_, Handle{})) {}
-  Owned& operator=(Owned&& other) noexcept {
-    if (this != &other) {
-      Reset();
-      handle_ = std::exchange(other.handle_, Handle{});
-    }
-    return *this;
-  }
-  Owned(const Owned&) = delete;
-  Owned& operator=(const Owned&) = delete;
-
-  Handle Get() const { return handle_; }
-  explicit operator bool() const { return handle_ != Handle{}; }
-  void Reset(Handle handle = Handle{}) {
-    if (handle_ != Handle{}) Close(handle_);
-    handle_ = handle;
-  }
-
- private:
-  Handle handle_{};
-};
+using Owned = UniqueHandle<Handle, Close>;
 
 void CloseIcon(HICON icon) { ::DestroyIcon(icon); }
 void CloseModule(HMODULE module) { ::FreeLibrary(module); }

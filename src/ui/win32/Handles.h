@@ -3,37 +3,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <utility>
+#include "platform/win32/UniqueHandle.h"
 
 namespace quorvane::ui::win32 {
 
-template <class Handle, void (*Close)(Handle)>
-class UniqueHandle {
- public:
-  UniqueHandle() = default;
-  explicit UniqueHandle(Handle handle) : handle_(handle) {}
-  ~UniqueHandle() { Reset(); }
-  UniqueHandle(UniqueHandle&& other) noexcept : handle_(std::exchange(other.handle_, Handle{})) {}
-  UniqueHandle& operator=(UniqueHandle&& other) noexcept {
-    if (this != &other) {
-      Reset();
-      handle_ = std::exchange(other.handle_, Handle{});
-    }
-    return *this;
-  }
-  UniqueHandle(const UniqueHandle&) = delete;
-  UniqueHandle& operator=(const UniqueHandle&) = delete;
-
-  Handle Get() const { return handle_; }
-  explicit operator bool() const { return handle_ != Handle{}; }
-  void Reset(Handle handle = Handle{}) {
-    if (handle_ != Handle{}) Close(handle_);
-    handle_ = handle;
-  }
-
- private:
-  Handle handle_{};
-};
+using platform::win32::UniqueHandle;
 
 inline void CloseGdiObject(HGDIOBJ object) { ::DeleteObject(object); }
 inline void CloseFont(HFONT font) { CloseGdiObject(font); }
