@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "Verdict.h"
+
 namespace quorvane::e2e {
 
 OwnedHandle::~OwnedHandle() {
@@ -110,6 +112,16 @@ HWND FindTopLevelWindow(DWORD processId, const std::string& className, const std
   WindowSearch search{processId, &className, &text, nullptr};
   ::EnumWindows(&VisitTopLevelWindow, reinterpret_cast<LPARAM>(&search));
   return search.found;
+}
+
+HWND WaitForShownMainWindow(const Child& child, DWORD milliseconds) {
+  HWND window = nullptr;
+  const auto shown = [&] { return window != nullptr && ::IsWindowVisible(window) != 0; };
+  WaitUntil(milliseconds, [&] {
+    window = FindTopLevelWindow(child.id, "QuorvaneMain", "Quorvane");
+    return shown() || !IsRunning(child);
+  });
+  return shown() ? window : nullptr;
 }
 
 bool SaveScreen(const std::string& path, std::string& error) {

@@ -45,6 +45,10 @@ void Terminate(const Child& child);
 
 // The first top-level window of process `processId` with this class and text, shown or hidden.
 HWND FindTopLevelWindow(DWORD processId, const std::string& className, const std::string& text);
+
+// Waits up to `milliseconds` for the main window of quorvane.exe ("QuorvaneMain", "Quorvane")
+// of `child` to be shown; null when it was not shown in time or the process ended first.
+HWND WaitForShownMainWindow(const Child& child, DWORD milliseconds);
 std::string ClassNameOf(HWND window);
 std::string TextOf(HWND window);
 

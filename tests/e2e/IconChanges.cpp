@@ -20,8 +20,6 @@ namespace quorvane::e2e {
 
 namespace {
 
-const char kClass[] = "QuorvaneMain";
-const char kText[] = "Quorvane";
 constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kChangeTimeout = 3000;
 // CmdApply and CmdDefault rebuild the whole catalogue, and each row they write refreshes the
@@ -918,14 +916,8 @@ void RunIconChanges(const std::string& program, const std::string& screenshotFol
     start.Check(StartProgram(program, "", child, error), "not started: " + error);
   }
   if (start.Passed()) {
-    start.Check(WaitUntil(kAppearTimeout,
-                          [&] {
-                            window = FindTopLevelWindow(child.id, kClass, kText);
-                            return (window != nullptr && ::IsWindowVisible(window) != 0) ||
-                                   !IsRunning(child);
-                          }) &&
-                    window != nullptr && ::IsWindowVisible(window) != 0,
-                "the main window was not shown");
+    window = WaitForShownMainWindow(child, kAppearTimeout);
+    start.Check(window != nullptr, "the main window was not shown");
   }
   if (!start.Passed()) {
     report("icons: start", start);

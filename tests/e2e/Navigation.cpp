@@ -17,8 +17,6 @@ namespace quorvane::e2e {
 
 namespace {
 
-const char kClass[] = "QuorvaneMain";
-const char kText[] = "Quorvane";
 constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kChangeTimeout = 2500;
 constexpr DWORD kEndTimeout = 10000;
@@ -512,14 +510,8 @@ void RunNavigation(const std::string& program, const std::string& screenshotFold
   Verdict start;
   HWND window = nullptr;
   if (start.Check(StartProgram(program, "", child, error), "not started: " + error)) {
-    start.Check(WaitUntil(kAppearTimeout,
-                          [&] {
-                            window = FindTopLevelWindow(child.id, kClass, kText);
-                            return (window != nullptr && ::IsWindowVisible(window) != 0) ||
-                                   !IsRunning(child);
-                          }) &&
-                    window != nullptr && ::IsWindowVisible(window) != 0,
-                "the main window was not shown");
+    window = WaitForShownMainWindow(child, kAppearTimeout);
+    start.Check(window != nullptr, "the main window was not shown");
   }
   if (!start.Passed()) {
     report("navigation: start", start);

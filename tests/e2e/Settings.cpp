@@ -22,8 +22,6 @@ namespace quorvane::e2e {
 
 namespace {
 
-const char kClass[] = "QuorvaneMain";
-const char kText[] = "Quorvane";
 const char kSettingsClass[] = "QuorvaneSettings";
 const char kChangeWallpaperMessage[] = "Quorvane.ChangeWallpaper";
 constexpr DWORD kAppearTimeout = 30000;
@@ -655,14 +653,8 @@ void RunSettings(const std::string& program, const std::string& screenshotFolder
   HWND window = nullptr;
   start.Check(StartProgram(program, "", child, error), "not started: " + error);
   if (start.Passed()) {
-    start.Check(WaitUntil(kAppearTimeout,
-                          [&] {
-                            window = FindTopLevelWindow(child.id, kClass, kText);
-                            return (window != nullptr && ::IsWindowVisible(window) != 0) ||
-                                   !IsRunning(child);
-                          }) &&
-                    window != nullptr && ::IsWindowVisible(window) != 0,
-                "the main window was not shown");
+    window = WaitForShownMainWindow(child, kAppearTimeout);
+    start.Check(window != nullptr, "the main window was not shown");
   }
   if (!start.Passed()) {
     report("settings: start", start);
