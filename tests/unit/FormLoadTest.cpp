@@ -10,6 +10,7 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "PortableServices.h"
+#include "ScratchFiles.h"
 #include "ui/MemorySurface.h"
 
 namespace quorvane {
@@ -24,10 +25,6 @@ constexpr char kShellIcons[] =
 class FormLoadTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_ = std::filesystem::temp_directory_path() /
-            ("quorvane-load-" +
-             std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    std::filesystem::remove_all(root_);
     std::filesystem::create_directories(root_ / "appdata");
     system_.SetFolder(0x1A, (root_ / "appdata").string());
     system_.SetExecutableFolder((root_ / "program").string());
@@ -36,27 +33,14 @@ class FormLoadTest : public ::testing::Test {
     }
     Put(kMyComputer, "", "Explorer.exe,0");
   }
-  void TearDown() override { std::filesystem::remove_all(root_); }
 
   void Put(const std::string& key, const std::string& name, const std::string& value) {
     AdvRegistryAccess reg(store_);
     ASSERT_NE(reg.WriteString(key, name, value), 0);
   }
-  // A path the system built, with the host's separators.
-  static std::string Host(std::string path) {
-    for (char& c : path) {
-      if (c == '\\') c = '/';
-    }
-    return path;
-  }
-  std::string Log() {
-    std::ifstream in(Host(core::gDataFolder + core::kErrorLogName), std::ios::binary);
-    std::stringstream all;
-    all << in.rdbuf();
-    return all.str();
-  }
+  std::string Log() { return testing::ReadFile(core::gDataFolder + core::kErrorLogName); }
 
-  std::filesystem::path root_;
+  testing::ScratchFolder root_{"load"};
   testing::PortableServices services_;
   platform::MemoryRegistry& store_ = services_.store;
   platform::PortableEventLoop& events_ = services_.events;
@@ -89,7 +73,7 @@ TEST_F(FormLoadTest, OnVistaEveryStepRunsInItsOrder) {
   EXPECT_EQ(form_.OSName, "Windows Vista");
   EXPECT_EQ(core::gDataFolder.substr(core::gDataFolder.size() - 27),
             "Talvenor\\Mirefold\\Quorvane\\");
-  EXPECT_EQ(std::filesystem::file_size(Host(core::gDataFolder + "Empty.ico")), 768u);
+  EXPECT_EQ(std::filesystem::file_size(testing::Host(core::gDataFolder + "Empty.ico")), 768u);
   EXPECT_EQ(AdvRegistryAccess(store_).KeyExists(core::ProductKey), kTrue);
 
   EXPECT_EQ(form_.ILicons.Count(), 65);

@@ -13,6 +13,7 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "PortableServices.h"
+#include "ScratchFiles.h"
 #include "ui/MemorySurface.h"
 
 namespace quorvane {
@@ -35,10 +36,6 @@ constexpr char kRestart[] = "Please restart to apply the changes";
 class IconChangesTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_ = std::filesystem::temp_directory_path() /
-            ("quorvane-changes-" +
-             std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    std::filesystem::remove_all(root_);
     std::filesystem::create_directories(root_ / "appdata");
     system_.SetFolder(0x1A, (root_ / "appdata").string());
     system_.SetExecutableFolder((root_ / "program").string());
@@ -57,7 +54,6 @@ class IconChangesTest : public ::testing::Test {
     ASSERT_EQ(form_.ILicons.Count(), 65);
     boxes_.Clear();
   }
-  void TearDown() override { std::filesystem::remove_all(root_); }
 
   void Put(const std::string& key, const std::string& name, const std::string& value) {
     ASSERT_NE(AdvRegistryAccess(store_).WriteString(key, name, value), 0);
@@ -96,7 +92,7 @@ class IconChangesTest : public ::testing::Test {
     return image.bgra[centre] & 0xFFFFFFu;
   }
 
-  std::filesystem::path root_;
+  testing::ScratchFolder root_{"changes"};
   std::string red_;
   std::string blue_;
   testing::PortableServices services_;

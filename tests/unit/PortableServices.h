@@ -1,8 +1,20 @@
 #pragma once
 // Every portable service that the main window's routines reach, installed for the life of the
-// object: the registry in memory, the host's files, the recording shell and application, the
-// icons read from real files, and the rest. Tests of FrmMain hold one and read what it recorded.
+// object: the registry in memory, the host's files and profile files, the recording shell,
+// application and wallpaper, the icons read from real files, collections packed with libgcab,
+// pictures decoded from their files, the modal forms acting out queued user actions, and the
+// rest. Tests of FrmMain hold one and read what it recorded; a test that wants a port of its own
+// installs it over this one for its life.
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/MainModule.h"
 #include "platform/Service.h"
+#include "platform/portable/DecodedPictures.h"
+#include "platform/portable/GcabCollectionPacker.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableApplication.h"
 #include "platform/portable/PortableDeviceContexts.h"
@@ -10,11 +22,15 @@
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableMessageBoxes.h"
+#include "platform/portable/PortableModalForms.h"
 #include "platform/portable/PortableNotification.h"
+#include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
 #include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableTray.h"
+#include "platform/portable/PortableWindowActions.h"
 #include "platform/portable/RecordingShellRequests.h"
+#include "platform/portable/RecordingWallpaper.h"
 
 namespace quorvane::testing {
 
@@ -31,6 +47,27 @@ struct PortableServices {
   platform::portable::PortableNotification notification;
   platform::portable::PortableApplication application;
   platform::portable::RecordingShellRequests shell;
+  platform::PortableProfileFiles profiles;
+  platform::GcabCollectionPackers packers;
+  platform::portable::DecodedPictures decoded;
+  platform::portable::RecordingWallpaper wallpaper;
+  platform::PortableWindowActions actions;
+  platform::portable::PortableModalForms modal;
+
+  // Packs a collection "<name>.RXS" in the data folder, one PackFile a file, from files made
+  // under sources\<name> with the content contentOf gives for each file's name.
+  void PackCollection(const std::filesystem::path& sources, const std::string& name,
+                      const std::vector<std::string>& names,
+                      const std::function<std::string(const std::string& file)>& contentOf) {
+    auto packer = packers.Create();
+    for (const std::string& file : names) {
+      const std::filesystem::path source = sources / name / file;
+      std::filesystem::create_directories(source.parent_path());
+      std::ofstream(source, std::ios::binary) << contentOf(file);
+      packer->PackFile(source.string(), core::gDataFolder + name + ".RXS", 0, "", true);
+    }
+    packer->Release();
+  }
 
  private:
   platform::ScopedService<platform::RegistryStore> s1_{store};
@@ -45,6 +82,12 @@ struct PortableServices {
   platform::ScopedService<platform::Notification> s10_{notification};
   platform::ScopedService<platform::Application> s11_{application};
   platform::ScopedService<platform::ShellRequests> s12_{shell};
+  platform::ScopedService<platform::ProfileFiles> s13_{profiles};
+  platform::ScopedService<platform::CollectionPackers> s14_{packers};
+  platform::ScopedService<platform::Pictures> s15_{decoded};
+  platform::ScopedService<platform::Wallpaper> s16_{wallpaper};
+  platform::ScopedService<platform::WindowActions> s17_{actions};
+  platform::ScopedService<platform::ModalForms> s18_{modal};
 };
 
 }  // namespace quorvane::testing

@@ -15,21 +15,15 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
-#include "platform/portable/GcabCollectionPacker.h"
-#include "platform/portable/MemoryRegistry.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableEventLoop.h"
-#include "platform/portable/PortableFileSystem.h"
-#include "platform/portable/PortableIcons.h"
-#include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/PortableModalForms.h"
-#include "platform/portable/PortableProfileFiles.h"
-#include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableWindowActions.h"
 #include "stores/AdvRegistryAccess.h"
 #include "stores/iniReadWrite.h"
 #include "wallpaper/FrmSettings.h"
 #include "wallpaper/MWallpaper.h"
+
+#include "PortableServices.h"
+#include "ScratchFiles.h"
 
 namespace quorvane {
 namespace {
@@ -38,47 +32,24 @@ namespace fs = std::filesystem;
 
 constexpr char kRunText[] = "C:\\Program Files\\Quorvane\\quorvane.exe /background";
 
-std::string Host(std::string path) {
-  for (char& c : path) {
-    if (c == '\\') c = '/';
-  }
-  return path;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(Host(path), std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
+using testing::Host;
+using testing::ReadFile;
 
 class SettingsTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_ = fs::temp_directory_path() /
-            ("quorvane-settings-" +
-             std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(root_);
-    fs::create_directories(root_ / "data");
-    fs::create_directories(root_ / "sources");
-    core::gDataFolder = (root_ / "data").string() + "\\";
+    fs::create_directories(scratch_ / "data");
+    core::gDataFolder = (scratch_ / "data").string() + "\\";
     gWallpaperEnable = kFalse;
     gWallpaperInterval = 0;
     gWallpaperOrder = 0;
     gWallpaperPosition = 0;
   }
-  void TearDown() override { fs::remove_all(root_); }
 
   // Packs a collection of small files; their content does not matter to the settings.
   void MakeCollection(const std::string& name, const std::vector<std::string>& files) {
-    auto packer = packers_.Create();
-    for (const std::string& file : files) {
-      const fs::path source = root_ / "sources" / name / file;
-      fs::create_directories(source.parent_path());
-      std::ofstream(source, std::ios::binary) << name << "/" << file;
-      packer->PackFile(source.string(), core::gDataFolder + name + ".RXS", 0, "", true);
-    }
-    packer->Release();
+    services_.PackCollection(scratch_ / "sources", name, files,
+                             [&](const std::string& file) { return name + "/" + file; });
   }
   // The position of the node of that text, 0 when none.
   static std::int32_t NodeOf(const ui::TreeView& tree, const std::string& text) {
@@ -115,28 +86,11 @@ class SettingsTest : public ::testing::Test {
   std::string RunValue() { return Text(kRunKey, kRunValue); }
   std::string Index() { return core::gDataFolder + "Files.ini"; }
 
-  fs::path root_;
-  platform::MemoryRegistry store_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
-  platform::PortableProfileFiles profiles_;
-  platform::portable::PortableDeviceContexts gdi_;
-  platform::portable::PortableIcons icons_{gdi_};
-  platform::portable::PortableMessageBoxes boxes_;
-  platform::portable::PortableSystemInfo system_;
-  platform::PortableWindowActions actions_;
-  platform::GcabCollectionPackers packers_;
-  platform::portable::PortableModalForms modal_;
-  platform::ScopedService<platform::RegistryStore> s1_{store_};
-  platform::ScopedService<platform::FileSystem> s2_{files_};
-  platform::ScopedService<platform::EventLoop> s3_{events_};
-  platform::ScopedService<platform::ProfileFiles> s4_{profiles_};
-  platform::ScopedService<platform::Icons> s5_{icons_};
-  platform::ScopedService<platform::MessageBoxes> s6_{boxes_};
-  platform::ScopedService<platform::CollectionPackers> s7_{packers_};
-  platform::ScopedService<platform::SystemInfo> s8_{system_};
-  platform::ScopedService<platform::WindowActions> s9_{actions_};
-  platform::ScopedService<platform::ModalForms> s10_{modal_};
+  testing::ScratchFolder scratch_{"settings"};
+  testing::PortableServices services_;
+  platform::MemoryRegistry& store_ = services_.store;
+  platform::PortableWindowActions& actions_ = services_.actions;
+  platform::portable::PortableModalForms& modal_ = services_.modal;
   AdvRegistryAccess reg_{store_};
 };
 

@@ -31,11 +31,14 @@
 #include "platform/portable/PortableSystemInfo.h"
 #include "platform/portable/PortableTray.h"
 
+#include "ScratchFiles.h"
+
 namespace quorvane {
 namespace {
 
 namespace fs = std::filesystem;
 using platform::portable::PortableSystemInfo;
+using testing::Host;
 
 // The host's files with the platform's separator: a backslash in a path is a folder separator.
 // A folder can be made read-only, as one the user may not write in: nothing is made, written or
@@ -70,11 +73,6 @@ class WindowsPathFiles final : public platform::FileSystem {
   }
 
   void MakeReadOnly(const fs::path& folder) { readOnly_.push_back(folder.lexically_normal()); }
-
-  static std::string Host(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-  }
 
  private:
   bool ReadOnly(const std::string& path) const {
@@ -177,11 +175,6 @@ void WriteHostFile(const fs::path& path, const std::string& content) {
 class StartupTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::replace(name.begin(), name.end(), '/', '_');
-    root_ = fs::temp_directory_path() /
-            ("quorvane-startup-" + std::to_string(::getpid()) + "-" + name);
-    fs::remove_all(root_);
     fs::create_directories(root_ / "AppData");
     system_.SetFolder(platform::folder::kAppData, (root_ / "AppData").string());
     system_.SetExecutableFolder("/opt/quorvane/bin");
@@ -195,15 +188,12 @@ class StartupTest : public ::testing::Test {
     application_.Journal(&journal_);
     notification_.Journal(&journal_);
   }
-  void TearDown() override {
-    std::error_code ec;
-    fs::remove_all(root_, ec);
-  }
 
   // The program's folder under the application data folder, on the host.
   fs::path ProgramFolder() const { return root_ / "AppData" / "Talvenor" / "Mirefold" / "Quorvane"; }
 
-  fs::path root_;
+  testing::ScratchFolder scratch_{"startup"};
+  const fs::path root_ = scratch_.Path();
   std::vector<std::string> journal_;
   PortableSystemInfo system_;
   WindowsPathFiles files_;

@@ -17,18 +17,12 @@
 #include "platform/Pictures.h"
 #include "platform/Service.h"
 #include "platform/Wallpaper.h"
-#include "platform/portable/GcabCollectionPacker.h"
-#include "platform/portable/MemoryRegistry.h"
-#include "platform/portable/PortableEventLoop.h"
-#include "platform/portable/PortableFileSystem.h"
-#include "platform/portable/PortableIcons.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableMessageBoxes.h"
-#include "platform/portable/PortableProfileFiles.h"
-#include "platform/portable/PortableSystemInfo.h"
 #include "stores/AdvRegistryAccess.h"
 #include "stores/iniReadWrite.h"
 #include "wallpaper/MWallpaper.h"
+
+#include "PortableServices.h"
+#include "ScratchFiles.h"
 
 namespace quorvane {
 namespace {
@@ -76,54 +70,27 @@ class TestWallpaper final : public platform::Wallpaper {
   std::vector<std::string> calls;
 };
 
-// A path the system built, with the host's separators.
-std::string Host(std::string path) {
-  std::replace(path.begin(), path.end(), '\\', '/');
-  return path;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(Host(path), std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
-
-void WriteFile(const std::string& path, const std::string& content) {
-  std::ofstream out(Host(path), std::ios::binary);
-  out << content;
-}
+using testing::Host;
+using testing::ReadFile;
+using testing::WriteFile;
 
 class WallpaperTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    root_ = fs::temp_directory_path() /
-            ("quorvane-wallpaper-" +
-             std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(root_);
-    fs::create_directories(root_ / "data");
-    core::gDataFolder = (root_ / "data").string() + "\\";
-    sources_ = root_ / "sources";
-    fs::create_directories(sources_);
+    fs::create_directories(scratch_ / "data");
+    core::gDataFolder = (scratch_ / "data").string() + "\\";
     gWallpaperEnable = kTrue;
     gWallpaperInterval = 0;
     gWallpaperOrder = 1;
     gWallpaperPosition = 1;
   }
-  void TearDown() override { fs::remove_all(root_); }
 
   // Packs a collection from files of the given names; a name ending in ".bad" holds no picture.
   void MakeCollection(const std::string& name, const std::vector<std::string>& files) {
-    auto packer = packers_.Create();
-    for (const std::string& file : files) {
-      const fs::path source = sources_ / name / file;
-      fs::create_directories(source.parent_path());
-      std::ofstream(source, std::ios::binary) << (file.find(".bad") == std::string::npos
-                                                      ? "PIC " + name + "/" + file
-                                                      : "not a picture");
-      packer->PackFile(source.string(), core::gDataFolder + name + ".RXS", 0, "", true);
-    }
-    packer->Release();
+    services_.PackCollection(sources_, name, files, [&](const std::string& file) {
+      return file.find(".bad") == std::string::npos ? "PIC " + name + "/" + file
+                                                    : std::string("not a picture");
+    });
   }
   void Tick(ui::TreeView& tree, const std::vector<std::string>& ticked) {
     for (std::int32_t i = 1; i <= tree.Count(); ++i) {
@@ -138,29 +105,17 @@ class WallpaperTest : public ::testing::Test {
     return names;
   }
 
-  fs::path root_;
-  fs::path sources_;
-  platform::MemoryRegistry store_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
-  platform::PortableProfileFiles profiles_;
-  platform::portable::PortableDeviceContexts gdi_;
-  platform::portable::PortableIcons icons_{gdi_};
-  platform::portable::PortableMessageBoxes boxes_;
-  platform::portable::PortableSystemInfo system_;
-  platform::GcabCollectionPackers packers_;
+  testing::ScratchFolder scratch_{"wallpaper"};
+  const fs::path sources_ = scratch_ / "sources";
+  testing::PortableServices services_;
+  platform::MemoryRegistry& store_ = services_.store;
+  platform::PortableFileSystem& files_ = services_.files;
+  platform::PortableEventLoop& events_ = services_.events;
+  platform::portable::PortableMessageBoxes& boxes_ = services_.boxes;
   TestPictures pictures_{store_};
   TestWallpaper wallpaper_;
-  platform::ScopedService<platform::RegistryStore> s1_{store_};
-  platform::ScopedService<platform::FileSystem> s2_{files_};
-  platform::ScopedService<platform::EventLoop> s3_{events_};
-  platform::ScopedService<platform::ProfileFiles> s4_{profiles_};
-  platform::ScopedService<platform::Icons> s5_{icons_};
-  platform::ScopedService<platform::MessageBoxes> s6_{boxes_};
-  platform::ScopedService<platform::CollectionPackers> s7_{packers_};
-  platform::ScopedService<platform::Pictures> s8_{pictures_};
-  platform::ScopedService<platform::Wallpaper> s9_{wallpaper_};
-  platform::ScopedService<platform::SystemInfo> s10_{system_};
+  platform::ScopedService<platform::Pictures> ownPictures_{pictures_};
+  platform::ScopedService<platform::Wallpaper> ownWallpaper_{wallpaper_};
   FrmMain form_;
   MainWindowScope installed_{form_};
 };
