@@ -118,6 +118,9 @@ class FrmMain {
   ui::TreeView TvCollections{"TvCollections"};
   ui::ControlArray<ui::Label, 3> CmdWallpaperControl{"CmdWallpaperControl"};
   ui::Label Label13{"Label13"};
+  // The thumbnail strip: graphical option buttons, one a picture of the selected collection
+  // ("Double click to Browse"); the first exists from the start and stands for an empty strip.
+  ui::ControlArray<ui::OptionButton, 1> optThumb{"optThumb"};
 
   // Decodes a picture for the wallpaper; sizes itself to its picture.
   ui::PictureBox PBTempWallpaper{"PBTempWallpaper"};
@@ -221,6 +224,8 @@ class FrmMain {
   // predecessor key; and the third wallpaper command, the removal of the selected collection.
   void RefreshCollections();
   void CmdWallpaperControl_Click(std::int16_t Index);
+  // The strip after the last collection is gone: optThumb(0) without picture, Tag or caption.
+  void EmptyThumbnailStrip();
   // FrmSettings shown modal, owned by this window; its settings are read back when it closes.
   void CmdSettings_Click();
   // The tick of Timer1, and the tray menu's change that runs it at once.

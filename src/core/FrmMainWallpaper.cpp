@@ -72,7 +72,10 @@ void FrmMain::CmdWallpaperControl_Click(std::int16_t Index) {
   RefreshCollections();
   DoEvents();
   DoEvents();
-  if (TvCollections.Count() == 0) return;
+  if (TvCollections.Count() == 0) {
+    EmptyThumbnailStrip();
+    return;
+  }
   // The strip shows the collection now selected: its node click, twice over.
   TvCollections.Select(TvCollections.SelectedItem() != 0 ? TvCollections.SelectedItem() : 1);
   DoEvents();
@@ -80,6 +83,12 @@ void FrmMain::CmdWallpaperControl_Click(std::int16_t Index) {
   if (TvCollections.Click) TvCollections.Click();
   DoEvents();
   if (TvCollections.Click) TvCollections.Click();
+}
+
+void FrmMain::EmptyThumbnailStrip() {
+  optThumb[0].Picture(ui::Pixels{});
+  optThumb[0].Tag("");
+  optThumb[0].Caption("");
 }
 
 // The tick. It has no failure handling of its own: an undecodable picture, a missing

@@ -109,6 +109,11 @@ void OptionButton::BackColor(std::uint32_t value) {
   Notify(Property::Caption);
 }
 
+void OptionButton::Picture(Pixels value) {
+  picture_ = std::move(value);
+  Notify(Property::Picture);
+}
+
 void OptionButton::Group(std::initializer_list<OptionButton*> buttons) {
   for (OptionButton* button : buttons) button->group_.assign(buttons.begin(), buttons.end());
 }

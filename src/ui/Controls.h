@@ -159,6 +159,9 @@ class OptionButton : public Control {
   // The colour behind the caption, 0xBBGGRR.
   std::uint32_t BackColor() const { return backColor_; }
   void BackColor(std::uint32_t value);
+  // A graphical button shows a picture above its caption; empty for a plain one.
+  const Pixels& Picture() const { return picture_; }
+  void Picture(Pixels value);
   // Makes the buttons one group; each button belongs to one group at most.
   static void Group(std::initializer_list<OptionButton*> buttons);
 
@@ -166,6 +169,7 @@ class OptionButton : public Control {
   std::string caption_;
   bool value_ = false;
   std::uint32_t backColor_ = 0xF0F0F0;
+  Pixels picture_;
   std::vector<OptionButton*> group_;
 };
 

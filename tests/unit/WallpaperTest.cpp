@@ -323,6 +323,39 @@ TEST_F(WallpaperTest, RemovalAsksFirstThenDeletesTheArchiveAndItsFolderAndListsA
   EXPECT_EQ(ReadIniValue("Files", "1", Index()), "Sea\\bay.jpg");
 }
 
+TEST_F(WallpaperTest, RemovingTheLastCollectionEmptiesTheStripAndRunsNoNodeClick) {
+  MakeCollection("Sea", {"bay.jpg"});
+  form_.RefreshCollections();
+  ui::OptionButton& first = form_.optThumb[0];
+  first.Picture(ui::Pixels{3, 2, std::vector<std::uint32_t>(6, 0xFF112233u)});
+  first.Tag("bay.jpg");
+  first.Caption("bay.jpg");
+  int clicks = 0;
+  form_.TvCollections.Click = [&] { ++clicks; };
+  form_.TvCollections.Select(1);
+  boxes_.Answer(platform::msgbox::kYes);
+  form_.CmdWallpaperControl_Click(2);
+  EXPECT_EQ(form_.TvCollections.Count(), 0);
+  EXPECT_TRUE(first.Picture().Empty());
+  EXPECT_EQ(first.Tag(), "");
+  EXPECT_EQ(first.Caption(), "");
+  EXPECT_EQ(clicks, 0);
+}
+
+TEST_F(WallpaperTest, RemovingOneOfTwoLeavesTheStripToTheNodeClick) {
+  MakeCollection("Sea", {"bay.jpg"});
+  MakeCollection("Town", {"night.jpg"});
+  form_.RefreshCollections();
+  form_.optThumb[0].Tag("night.jpg");
+  form_.optThumb[0].Caption("night.jpg");
+  form_.TvCollections.Select(1);
+  boxes_.Answer(platform::msgbox::kYes);
+  form_.CmdWallpaperControl_Click(2);
+  ASSERT_EQ(form_.TvCollections.Count(), 1);
+  EXPECT_EQ(form_.optThumb[0].Tag(), "night.jpg");
+  EXPECT_EQ(form_.optThumb[0].Caption(), "night.jpg");
+}
+
 // --- the tick -------------------------------------------------------------------------------------
 
 class TickTest : public WallpaperTest {
