@@ -34,6 +34,19 @@ constexpr char kDesktopKey[] = "HKEY_CURRENT_USER\\Control Panel\\Desktop";
 constexpr std::uint32_t kSetDeskWallpaper = 20;
 constexpr std::uint32_t kUpdateIniFile = 1;
 
+// Loads the picture file into the box, the box's old picture lending the new one its memory
+// (a wallpaper's pixels are tens of megabytes). When the load fails the box keeps its old one.
+void LoadIntoBox(ui::PictureBox& box, const std::string& path) {
+  ui::Pixels picture = box.TakePicture();
+  try {
+    platform::Use<platform::Pictures>().LoadPictureInto(path, picture);
+  } catch (...) {
+    box.Picture(std::move(picture));
+    throw;
+  }
+  box.Picture(std::move(picture));
+}
+
 }  // namespace
 
 void FrmMain::RefreshCollections() {
@@ -131,9 +144,8 @@ void FrmMain::Timer1_Timer() {
 
   const std::string temp = "Temp." + FileExtensionOf(file);
   MoveFileOver(data + file, data + temp);
-  auto& pictures = platform::Use<platform::Pictures>();
-  PBTempWallpaper.Picture(pictures.LoadPicture(data + temp));
-  pictures.SavePicture(PBTempWallpaper.Picture(), data + "WP.bmp");
+  LoadIntoBox(PBTempWallpaper, data + temp);
+  platform::Use<platform::Pictures>().SavePicture(PBTempWallpaper.Picture(), data + "WP.bmp");
   platform::Use<platform::Wallpaper>().SystemParametersInfoA(kSetDeskWallpaper, 0,
                                                              data + "WP.bmp", kUpdateIniFile);
 }

@@ -20,6 +20,14 @@ class Pictures {
   // is damaged or cut short.
   virtual ui::Pixels LoadPicture(const std::string& path) = 0;
 
+  // LoadPicture into `picture`, whose memory the new picture takes over where it fits: a decoded
+  // wallpaper is tens of megabytes, and fresh memory costs its first touch on every change.
+  // Throws as LoadPicture does, and then leaves `picture` as it was; only a failure of the
+  // platform after the decoding has begun leaves it empty.
+  virtual void LoadPictureInto(const std::string& path, ui::Pixels& picture) {
+    picture = LoadPicture(path);
+  }
+
   // Writes `picture` as an uncompressed bitmap of 24 bits a pixel (alpha is dropped) into the file
   // at `path`, which it replaces. The bytes go into a new file beside it, which then takes its
   // place in one step, so that a failure leaves the previous file whole and no new one behind.

@@ -220,6 +220,13 @@ void PictureBox::Picture(Pixels&& value) {
   Notify(Property::Picture);
 }
 
+Pixels PictureBox::TakePicture() {
+  Pixels taken = std::move(picture_);
+  picture_ = Pixels{};
+  Notify(Property::Picture);
+  return taken;
+}
+
 std::uint32_t PictureBox::hDC() { return surface_ ? surface_->hDC(*this) : 0; }
 
 void PictureBox::Cls() {

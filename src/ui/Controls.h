@@ -306,6 +306,8 @@ class PictureBox : public Control {
   void Picture(const Pixels& value);
   // Takes a picture over without copying it (a wallpaper's is tens of megabytes).
   void Picture(Pixels&& value);
+  // Hands the picture over, memory and all, and shows none.
+  Pixels TakePicture();
 
   // Persistent drawing: what is drawn on the box's context stays in its image.
   bool AutoRedraw() const { return autoRedraw_; }

@@ -303,6 +303,45 @@ TEST_F(PicturesConformance, AnIconMayHoldItsLargestImageAsPng) {
   EXPECT_EQ(At(p, 39, 0), 0xFFC08040u);
 }
 
+// --- loading into a picture held already ------------------------------------------------------
+
+TEST_F(PicturesConformance, LoadingIntoALargerPictureGivesExactlyTheNewPicture) {
+  const std::string file = Write("six.bmp", pf::BitmapFile(3, 2, 24, kSix));
+  ui::Pixels picture{40, 30, std::vector<std::uint32_t>(40 * 30, 0xFFABCDEFu)};
+  Use<Pictures>().LoadPictureInto(file, picture);
+  ExpectColours(picture, 3, 2, kSix);
+  EXPECT_EQ(picture, Use<Pictures>().LoadPicture(file));
+}
+
+TEST_F(PicturesConformance, LoadingIntoASmallerPictureGrowsIt) {
+  std::vector<std::uint32_t> colours(64 * 48);
+  for (std::size_t i = 0; i < colours.size(); ++i) colours[i] = static_cast<std::uint32_t>(i * 37);
+  const std::string file = Write("grown.bmp", pf::BitmapFile(64, 48, 24, colours));
+  ui::Pixels picture{2, 1, {0xFF010203u, 0xFF040506u}};
+  Use<Pictures>().LoadPictureInto(file, picture);
+  ExpectColours(picture, 64, 48, colours);
+}
+
+TEST_F(PicturesConformance, AFailedLoadIntoAPictureLeavesItAsItWas) {
+  const ui::Pixels before{2, 1, {0xFF010203u, 0xFF040506u}};
+  ui::Pixels picture = before;
+  const auto failure = [&](const std::string& path) {
+    try {
+      Use<Pictures>().LoadPictureInto(path, picture);
+    } catch (const Failure& failed) {
+      return static_cast<std::int32_t>(failed.Number());
+    }
+    return 0;
+  };
+  EXPECT_EQ(failure(Write("words.jpg", "no picture here")), 481);
+  EXPECT_EQ(picture, before);
+  EXPECT_EQ(failure(folder_ + "absent.jpg"), 53);
+  EXPECT_EQ(picture, before);
+  const std::string bmp = pf::BitmapFile(64, 64, 24, std::vector<std::uint32_t>(64 * 64, 0x204060));
+  EXPECT_EQ(failure(Write("half.bmp", bmp.substr(0, bmp.size() / 2))), 481);
+  EXPECT_EQ(picture, before);
+}
+
 // --- failures ---------------------------------------------------------------------------------
 
 TEST_F(PicturesConformance, AMissingFileIsFileNotFound) {

@@ -491,6 +491,17 @@ TEST_F(TickTest, AnUndecodablePictureFailsAndTheNextTickWorks) {
   EXPECT_EQ(form_.mCurrentIndex, 2);
 }
 
+TEST_F(TickTest, AnUndecodablePictureLeavesTheHiddenBoxWithItsLastPicture) {
+  MakeCollection("Bad", {"broken.bad.jpg"});
+  WriteFile(Index(),
+            "[Files]\r\n1=Sea\\bay.jpg\r\n2=Bad\\broken.bad.jpg\r\n[Count]\r\nTotal=2\r\n");
+  form_.Timer1_Timer();
+  const ui::Pixels shown = form_.PBTempWallpaper.Picture();
+  ASSERT_FALSE(shown.Empty());
+  EXPECT_THROW(form_.Timer1_Timer(), Failure);
+  EXPECT_EQ(form_.PBTempWallpaper.Picture(), shown);
+}
+
 TEST_F(TickTest, AMissingArchiveShowsAnEarlierTempAgainOrFailsWithoutOne) {
   WriteFile(Index(), "[Files]\r\n1=Gone\\x.png\r\n[Count]\r\nTotal=1\r\n");
   EXPECT_THROW(form_.Timer1_Timer(), Failure);  // no Temp.PNG lies about

@@ -227,29 +227,34 @@ class Canvas {
   void* bits_ = nullptr;
 };
 
-// The pixels of a plain bitmap picture, exactly as it holds them.
-std::optional<ui::Pixels> CopyBitmap(HBITMAP bitmap) {
+// The pixels of a plain bitmap picture, exactly as it holds them, into `into`, whose memory
+// is kept where the picture fits in it. False, and `into` as it was, when the bitmap can't be
+// read; false and `into` empty when the copy fails half-way.
+bool CopyBitmap(HBITMAP bitmap, ui::Pixels& into) {
   BITMAP description{};
-  if (::GetObjectA(bitmap, sizeof description, &description) == 0) return std::nullopt;
-  if (!DecodableSize(description.bmWidth, description.bmHeight)) return std::nullopt;
-  ui::Pixels pixels;
-  pixels.width = description.bmWidth;
-  pixels.height = description.bmHeight;
-  pixels.bgra.resize(static_cast<std::size_t>(pixels.width) *
-                     static_cast<std::size_t>(pixels.height));
+  if (::GetObjectA(bitmap, sizeof description, &description) == 0) return false;
+  if (!DecodableSize(description.bmWidth, description.bmHeight)) return false;
+  into.width = description.bmWidth;
+  into.height = description.bmHeight;
+  // Emptied first, so that growing copies nothing of the old picture.
+  into.bgra.clear();
+  into.bgra.resize(static_cast<std::size_t>(into.width) * static_cast<std::size_t>(into.height));
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = pixels.width;
-  info.bmiHeader.biHeight = -pixels.height;
+  info.bmiHeader.biWidth = into.width;
+  info.bmiHeader.biHeight = -into.height;
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
   ScreenContext screen;
-  const int rows = ::GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(pixels.height),
-                               pixels.bgra.data(), &info, DIB_RGB_COLORS);
-  if (rows != pixels.height) return std::nullopt;
-  for (std::uint32_t& p : pixels.bgra) p |= 0xFF000000u;
-  return pixels;
+  const int rows = ::GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(into.height),
+                               into.bgra.data(), &info, DIB_RGB_COLORS);
+  if (rows != into.height) {
+    into = ui::Pixels{};
+    return false;
+  }
+  for (std::uint32_t& p : into.bgra) p |= 0xFF000000u;
+  return true;
 }
 
 // HIMETRIC (hundredths of a millimetre) to pixels at `dpi`, rounded as the platform rounds.
@@ -328,26 +333,31 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
   return pixels;
 }
 
-std::optional<ui::Pixels> LoadWithOle(const GlobalBlock& bytes) {
+// The picture the OLE loader makes of the bytes, into `into` (see CopyBitmap); false, and
+// `into` as it was, when the loader makes none.
+bool LoadWithOle(const GlobalBlock& bytes, ui::Pixels& into) {
   Com<IStream> stream;
-  if (!bytes.MakeStream(stream)) return std::nullopt;
+  if (!bytes.MakeStream(stream)) return false;
   Com<IPicture> picture;
   if (FAILED(::OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.Size()), FALSE, IID_IPicture,
                               picture.OutVoid())) ||
       picture.Get() == nullptr) {
-    return std::nullopt;
+    return false;
   }
   DWORD attributes = 0;
   if (FAILED(picture->get_Attributes(&attributes))) attributes = 0;
   const bool transparent = (attributes & PICTURE_TRANSPARENT) != 0;
   short type = PICTYPE_UNINITIALIZED;
-  if (FAILED(picture->get_Type(&type))) return std::nullopt;
+  if (FAILED(picture->get_Type(&type))) return false;
   if (type == PICTYPE_BITMAP && !transparent) {
     OLE_HANDLE handle = 0;
-    if (FAILED(picture->get_Handle(&handle))) return std::nullopt;
-    return CopyBitmap(ToNative<HBITMAP>(static_cast<GdiHandle>(handle)));
+    if (FAILED(picture->get_Handle(&handle))) return false;
+    return CopyBitmap(ToNative<HBITMAP>(static_cast<GdiHandle>(handle)), into);
   }
-  return RenderPicture(picture.Get(), transparent);
+  std::optional<ui::Pixels> drawn = RenderPicture(picture.Get(), transparent);
+  if (!drawn) return false;
+  into = std::move(*drawn);
+  return true;
 }
 
 // COM for this thread for the life of a scope, where it wasn't started already.
@@ -416,7 +426,7 @@ ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
   return std::move(*pixels);
 }
 
-ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
+void Win32Pictures::LoadPictureInto(const std::string& path, ui::Pixels& picture) {
   GlobalBlock file = ReadWholeFile(path);
   Bytes bytes = file.View();
   PictureKind kind = KindOfPicture(bytes);
@@ -436,11 +446,21 @@ ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
     }
     bytes = file.View();
   }
-  std::optional<ui::Pixels> pixels;
-  if (!bytes.empty()) pixels = LoadWithOle(file);
-  if (!pixels && kind == PictureKind::Png) pixels = LoadWithImagingComponent(bytes);
-  if (!pixels || pixels->Empty()) RaiseInvalidPicture();
-  return std::move(*pixels);
+  if (!bytes.empty() && LoadWithOle(file, picture) && !picture.Empty()) return;
+  if (kind == PictureKind::Png) {
+    std::optional<ui::Pixels> pixels = LoadWithImagingComponent(bytes);
+    if (pixels && !pixels->Empty()) {
+      picture = std::move(*pixels);
+      return;
+    }
+  }
+  RaiseInvalidPicture();
+}
+
+ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
+  ui::Pixels picture;
+  LoadPictureInto(path, picture);
+  return picture;
 }
 
 void Win32Pictures::SavePicture(const ui::Pixels& picture, const std::string& path) {

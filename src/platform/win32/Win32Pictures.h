@@ -16,6 +16,7 @@ namespace quorvane::platform::win32 {
 class Win32Pictures final : public Pictures {
  public:
   ui::Pixels LoadPicture(const std::string& path) override;
+  void LoadPictureInto(const std::string& path, ui::Pixels& picture) override;
   void SavePicture(const ui::Pixels& picture, const std::string& path) override;
 };
 
