@@ -113,6 +113,7 @@ int main(int argc, char** argv) {
 
   // Where the time goes: the same steps one by one over the platform's services.
   std::vector<double> unpackMs, loadMs, saveMs, setMs;
+  ui::Pixels picture;  // held from one change to the next, as the hidden picture box holds it
   for (int run = 0; run < runs && failure.empty(); ++run) {
     const std::string entry = entries[static_cast<std::size_t>(run) % entries.size()];
     double t = bench::Now();
@@ -124,7 +125,7 @@ int main(int argc, char** argv) {
     unpackMs.push_back(bench::Now() - t);
     MoveFileOver(data + entry, data + "Temp.JPG");
     t = bench::Now();
-    const ui::Pixels picture = pictures.LoadPicture(data + "Temp.JPG");
+    pictures.LoadPictureInto(data + "Temp.JPG", picture);
     loadMs.push_back(bench::Now() - t);
     t = bench::Now();
     pictures.SavePicture(picture, data + "WP.bmp");
