@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
@@ -230,6 +231,61 @@ RECT ScreenRect(HWND window) {
   return area;
 }
 
+POINT Centre(const RECT& area) {
+  return POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
+HWND DialogOf(DWORD processId) {
+  struct Search {
+    DWORD processId;
+    HWND found;
+  } search{processId, nullptr};
+  ::EnumWindows(
+      [](HWND window, LPARAM data) -> BOOL {
+        auto& s = *reinterpret_cast<Search*>(data);
+        DWORD owner = 0;
+        ::GetWindowThreadProcessId(window, &owner);
+        if (owner == s.processId && ::IsWindowVisible(window) != 0 &&
+            ClassNameOf(window) == "#32770") {
+          s.found = window;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+std::string DialogText(HWND dialog) {
+  std::string text;
+  ::EnumChildWindows(
+      dialog,
+      [](HWND child, LPARAM data) -> BOOL {
+        auto& t = *reinterpret_cast<std::string*>(data);
+        const std::string shown = TextOf(child);
+        if (ClassNameOf(child) == "Static" && !shown.empty()) t += (t.empty() ? "" : " | ") + shown;
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&text));
+  return text;
+}
+
+bool ClickDialogButton(Verdict& verdict, HWND dialog, int id, const std::string& name,
+                       DWORD milliseconds) {
+  const HWND button = ::GetDlgItem(dialog, id);
+  if (!verdict.Check(button != nullptr && ::IsWindowVisible(button) != 0 &&
+                         ::IsWindowEnabled(button) != 0,
+                     "the dialog's " + name + " button is missing or disabled")) {
+    ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    return false;
+  }
+  ClickAt(Centre(ScreenRect(button)));
+  return verdict.Check(
+      WaitUntil(milliseconds,
+                [&] { return ::IsWindow(dialog) == 0 || ::IsWindowVisible(dialog) == 0; }),
+      "the dialog is still shown after a click on " + name);
+}
+
 bool LoadResourceBitmap(const std::string& path, int number, Picture& picture,
                         std::string& error) {
   HMODULE module = ::LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
@@ -286,6 +342,30 @@ bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::st
     error = "GetDC of the screen failed";
     return false;
   }
+  bool copied = false;
+  {
+    DrawingSurface surface(width, height);
+    copied = surface.Ready() && ::BitBlt(surface.Context(), 0, 0, width, height, screen,
+                                         area.left, area.top, SRCCOPY) != 0;
+    if (copied) pixels = surface.Pixels();
+  }
+  ::ReleaseDC(nullptr, screen);
+  if (!copied) error = "the screen could not be copied";
+  return copied;
+}
+
+bool CloseColours(std::uint32_t a, std::uint32_t b, int tolerance) {
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const int x = static_cast<int>((a >> shift) & 0xFF);
+    const int y = static_cast<int>((b >> shift) & 0xFF);
+    if (std::abs(x - y) > tolerance) return false;
+  }
+  return true;
+}
+
+DrawingSurface::DrawingSurface(int width, int height) : width_(width), height_(height) {
+  if (width <= 0 || height <= 0) return;
+  HDC screen = ::GetDC(nullptr);
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
   info.bmiHeader.biWidth = width;
@@ -293,26 +373,34 @@ bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::st
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  HDC memory = ::CreateCompatibleDC(screen);
-  HBITMAP picture = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  bool copied = false;
-  if (memory != nullptr && picture != nullptr) {
-    HGDIOBJ previous = ::SelectObject(memory, picture);
-    copied = ::BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY) != 0;
-    ::GdiFlush();
-    ::SelectObject(memory, previous);
-  }
-  if (copied) {
-    const auto* first = static_cast<const std::uint32_t*>(bits);
-    pixels.assign(first, first + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
-  }
-  if (picture != nullptr) ::DeleteObject(picture);
-  if (memory != nullptr) ::DeleteDC(memory);
-  ::ReleaseDC(nullptr, screen);
-  if (!copied) error = "the screen could not be copied";
-  return copied;
+  memory_ = ::CreateCompatibleDC(screen);
+  picture_ = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits_, nullptr, 0);
+  if (screen != nullptr) ::ReleaseDC(nullptr, screen);
+  if (Ready()) previous_ = ::SelectObject(memory_, picture_);
+}
+
+DrawingSurface::~DrawingSurface() {
+  if (previous_ != nullptr) ::SelectObject(memory_, previous_);
+  if (picture_ != nullptr) ::DeleteObject(picture_);
+  if (memory_ != nullptr) ::DeleteDC(memory_);
+}
+
+void DrawingSurface::Fill(std::uint32_t colour) const {
+  if (!Ready()) return;
+  RECT all{0, 0, width_, height_};
+  HBRUSH brush = ::CreateSolidBrush(RGB((colour >> 16) & 0xFF, (colour >> 8) & 0xFF, colour & 0xFF));
+  ::FillRect(memory_, &all, brush);
+  ::DeleteObject(brush);
+}
+
+std::vector<std::uint32_t> DrawingSurface::Pixels() const {
+  std::vector<std::uint32_t> pixels;
+  if (!Ready() || bits_ == nullptr) return pixels;
+  ::GdiFlush();
+  const auto* first = static_cast<const std::uint32_t*>(bits_);
+  pixels.assign(first, first + static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+  for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
+  return pixels;
 }
 
 }  // namespace quorvane::e2e

@@ -7,11 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "Verdict.h"
+
 namespace quorvane::e2e {
 
 // The registered messages the main window answers.
 inline constexpr const char* kFindControlMessage = "Quorvane.FindControl";
 inline constexpr const char* kExitMessage = "Quorvane.Exit";
+inline constexpr const char* kChangeWallpaperMessage = "Quorvane.ChangeWallpaper";
 
 // The window of the control named `systemName` ("TvDesktop", or "CmdMenu(2)" for an element of a
 // control array) in the main window `main` of another process; 0 when it has none of that name
@@ -57,8 +60,23 @@ void MoveTo(POINT point);
 // Presses the left button at `from`, moves with it held to `to` in a few steps, and lets go.
 void DragFromTo(POINT from, POINT to);
 
-// The screen rectangle of a window.
+// The screen rectangle of a window, and the middle of a rectangle.
 RECT ScreenRect(HWND window);
+POINT Centre(const RECT& area);
+
+// The first shown top-level dialog window (class "#32770") of process `processId`: a message
+// box, the icon picker or another dialog; null when it shows none.
+HWND DialogOf(DWORD processId);
+
+// The texts of a dialog's static controls, in order, joined by " | ": a message box's text.
+std::string DialogText(HWND dialog);
+
+// A click on the button `id` of a dialog of another process, named `name` in messages; then
+// waits up to `milliseconds` for the dialog to go. False, with the reason in `verdict`, when the
+// button is missing or disabled (the dialog is then cancelled, so that it does not stay) or the
+// dialog is still shown afterwards.
+bool ClickDialogButton(Verdict& verdict, HWND dialog, int id, const std::string& name,
+                       DWORD milliseconds);
 
 // A picture: its size and its pixels (0x00RRGGBB), row by row from the top.
 struct Picture {
@@ -75,5 +93,34 @@ bool LoadResourceBitmap(const std::string& path, int number, Picture& picture,
 // The pixels (0x00RRGGBB) of a rectangle of the screen, row by row from the top. False, with
 // `error`, when the screen can't be read.
 bool CaptureScreen(const RECT& area, std::vector<std::uint32_t>& pixels, std::string& error);
+
+// Whether two colours (0x00RRGGBB) differ by at most `tolerance` in each channel.
+bool CloseColours(std::uint32_t a, std::uint32_t b, int tolerance);
+
+// A picture of `width` by `height` pixels of 32 bits, with a memory device context that draws
+// on it, for drawing what a window is expected to show or copying what the screen shows.
+class DrawingSurface {
+ public:
+  DrawingSurface(int width, int height);
+  ~DrawingSurface();
+  DrawingSurface(const DrawingSurface&) = delete;
+  DrawingSurface& operator=(const DrawingSurface&) = delete;
+
+  // Whether the picture and its device context were made; nothing can be drawn otherwise.
+  bool Ready() const { return picture_ != nullptr && memory_ != nullptr; }
+  HDC Context() const { return memory_; }
+  // Paints the whole picture in one colour (0x00RRGGBB).
+  void Fill(std::uint32_t colour) const;
+  // What was drawn: the pixels (0x00RRGGBB), row by row from the top.
+  std::vector<std::uint32_t> Pixels() const;
+
+ private:
+  int width_;
+  int height_;
+  HDC memory_ = nullptr;
+  HBITMAP picture_ = nullptr;
+  HGDIOBJ previous_ = nullptr;
+  void* bits_ = nullptr;
+};
 
 }  // namespace quorvane::e2e

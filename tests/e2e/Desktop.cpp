@@ -1,11 +1,13 @@
 #include "Desktop.h"
 
+#include <shlobj.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <utility>
 #include <vector>
 
-#include "Verdict.h"
+#include "Controls.h"
 
 namespace quorvane::e2e {
 
@@ -124,6 +126,43 @@ HWND WaitForShownMainWindow(const Child& child, DWORD milliseconds) {
   return shown() ? window : nullptr;
 }
 
+HWND WaitForMainWindow(const Child& child, DWORD milliseconds) {
+  HWND window = nullptr;
+  WaitUntil(milliseconds, [&] {
+    window = FindTopLevelWindow(child.id, "QuorvaneMain", "Quorvane");
+    return window != nullptr || !IsRunning(child);
+  });
+  return window;
+}
+
+HWND StartWithMainWindow(const std::string& program, const std::string& tail, bool shown,
+                         Child& child, Verdict& verdict) {
+  std::string error;
+  if (!verdict.Check(StartProgram(program, tail, child, error), "not started: " + error)) {
+    return nullptr;
+  }
+  HWND window = shown ? WaitForShownMainWindow(child, kAppearTimeout)
+                      : WaitForMainWindow(child, kAppearTimeout);
+  if (!verdict.Check(window != nullptr, std::string("the main window was not ") +
+                                            (shown ? "shown" : "made") + " within " +
+                                            std::to_string(kAppearTimeout / 1000) + " s" +
+                                            (IsRunning(child) ? "" : " (the process ended)"))) {
+    Terminate(child);
+  }
+  return window;
+}
+
+Verdict EndThroughExit(HWND window, const Child& child) {
+  Verdict end;
+  end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
+  DWORD exitCode = 0;
+  if (!end.Check(WaitForEnd(child, kEndTimeout, exitCode),
+                 "the process did not end within " + std::to_string(kEndTimeout / 1000) + " s")) {
+    Terminate(child);
+  }
+  return end;
+}
+
 bool SaveScreen(const std::string& path, std::string& error) {
   const int width = ::GetSystemMetrics(SM_CXSCREEN);
   const int height = ::GetSystemMetrics(SM_CYSCREEN);
@@ -131,62 +170,37 @@ bool SaveScreen(const std::string& path, std::string& error) {
     error = "the screen has no size";
     return false;
   }
-  HDC screen = ::GetDC(nullptr);
-  if (screen == nullptr) {
-    error = "GetDC of the screen failed";
-    return false;
-  }
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = height;  // bottom-up rows, as a BMP file keeps them
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 24;
-  info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  HDC memory = ::CreateCompatibleDC(screen);
-  HBITMAP picture = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-  bool copied = false;
-  if (memory != nullptr && picture != nullptr) {
-    HGDIOBJ previous = ::SelectObject(memory, picture);
-    copied = ::BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY) != 0;
-    ::GdiFlush();
-    ::SelectObject(memory, previous);
-  }
+  std::vector<std::uint32_t> pixels;
+  if (!CaptureScreen(RECT{0, 0, width, height}, pixels, error)) return false;
+  // Rows of three bytes a pixel (blue, green, red), padded to four bytes, from the bottom up.
   const std::uint32_t rowBytes = (static_cast<std::uint32_t>(width) * 3U + 3U) & ~3U;
   const std::uint32_t pixelBytes = rowBytes * static_cast<std::uint32_t>(height);
   std::vector<unsigned char> file;
-  if (copied) {
-    file.reserve(54 + pixelBytes);
-    file.push_back('B');
-    file.push_back('M');
-    PutLittleEndian(file, 54U + pixelBytes, 4);
-    PutLittleEndian(file, 0, 4);
-    PutLittleEndian(file, 54, 4);
-    PutLittleEndian(file, 40, 4);
-    PutLittleEndian(file, static_cast<std::uint32_t>(width), 4);
-    PutLittleEndian(file, static_cast<std::uint32_t>(height), 4);
-    PutLittleEndian(file, 1, 2);
-    PutLittleEndian(file, 24, 2);
-    PutLittleEndian(file, 0, 4);
-    PutLittleEndian(file, pixelBytes, 4);
-    PutLittleEndian(file, 2835, 4);
-    PutLittleEndian(file, 2835, 4);
-    PutLittleEndian(file, 0, 4);
-    PutLittleEndian(file, 0, 4);
-    const auto* first = static_cast<const unsigned char*>(bits);
-    file.insert(file.end(), first, first + pixelBytes);
-  }
-  if (picture != nullptr) {
-    ::DeleteObject(picture);
-  }
-  if (memory != nullptr) {
-    ::DeleteDC(memory);
-  }
-  ::ReleaseDC(nullptr, screen);
-  if (!copied) {
-    error = "the screen could not be copied";
-    return false;
+  file.reserve(54 + pixelBytes);
+  file.push_back('B');
+  file.push_back('M');
+  PutLittleEndian(file, 54U + pixelBytes, 4);
+  PutLittleEndian(file, 0, 4);
+  PutLittleEndian(file, 54, 4);
+  PutLittleEndian(file, 40, 4);
+  PutLittleEndian(file, static_cast<std::uint32_t>(width), 4);
+  PutLittleEndian(file, static_cast<std::uint32_t>(height), 4);
+  PutLittleEndian(file, 1, 2);
+  PutLittleEndian(file, 24, 2);
+  PutLittleEndian(file, 0, 4);
+  PutLittleEndian(file, pixelBytes, 4);
+  PutLittleEndian(file, 2835, 4);
+  PutLittleEndian(file, 2835, 4);
+  PutLittleEndian(file, 0, 4);
+  PutLittleEndian(file, 0, 4);
+  for (int y = height - 1; y >= 0; --y) {
+    const std::size_t rowStart = file.size();
+    for (int x = 0; x < width; ++x) {
+      PutLittleEndian(file, pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                                   static_cast<std::size_t>(x)],
+                      3);
+    }
+    file.resize(rowStart + rowBytes, 0);
   }
   std::FILE* out = std::fopen(path.c_str(), "wb");
   if (out == nullptr) {
@@ -202,12 +216,35 @@ bool SaveScreen(const std::string& path, std::string& error) {
   return true;
 }
 
+bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& name) {
+  std::string error;
+  return verdict.Check(SaveScreen(folder + "\\" + name + ".bmp", error),
+                       "no screenshot " + name + ": " + error);
+}
+
 std::string OwnFolder() {
   char path[MAX_PATH] = {};
   const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
   std::string folder(path, length);
   const std::size_t slash = folder.find_last_of("\\/");
   return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
+}
+
+std::string DataFolder() {
+  char appData[MAX_PATH] = {};
+  if (FAILED(::SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData))) return "";
+  return std::string(appData) + "\\Talvenor\\Mirefold\\Quorvane\\";
+}
+
+std::string ReadFileText(const std::string& path) {
+  std::string text;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    char buffer[4096];
+    std::size_t read = 0;
+    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
+    std::fclose(file);
+  }
+  return text;
 }
 
 bool TakesItselfForVista() {

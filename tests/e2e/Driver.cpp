@@ -36,6 +36,7 @@
 #include "Desktop.h"
 #include "IconChanges.h"
 #include "Navigation.h"
+#include "Registry.h"
 #include "Settings.h"
 #include "Verdict.h"
 
@@ -48,10 +49,8 @@ const std::string kText = "Quorvane";
 // FrmMain is 11250 by 8550 twips, 15 to the pixel.
 constexpr int kWidth = 750;
 constexpr int kHeight = 570;
-constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kResidentWait = 3000;
 constexpr DWORD kRefusedCloseWait = 1500;
-constexpr DWORD kEndTimeout = 10000;
 
 const char kProductKey[] = "Software\\Talvenor\\Mirefold\\Quorvane";
 // The icon of "My Computer", which every Windows has and a new Wine prefix lacks. Without it the
@@ -62,9 +61,10 @@ const char kMyComputerStock[] = "Explorer.exe,0";
 const char kDocClass[] = "Word.Document.8";
 const char kDocClassIcon[] = "Word.Document.8\\DefaultIcon";
 const char kDocIcon[] = "shell32.dll,1";
-const char kDataFolder[] = "\\Talvenor\\Mirefold\\Quorvane\\";
 constexpr ULONGLONG kEmptyIconBytes = 768;
 
+// The result file of a command: a line per case, "ok   <case>: <what it saw>" or
+// "FAIL <case>: <why>", and at the end "N passed, M failed".
 class ResultFile {
  public:
   explicit ResultFile(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {}
@@ -81,95 +81,30 @@ class ResultFile {
       std::fflush(file_);
     }
   }
+  // Writes a case's line and counts it.
+  void Case(const std::string& name, const Verdict& verdict) {
+    (verdict.Passed() ? passed_ : failed_) += 1;
+    Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " + verdict.Summary());
+  }
+  // Where the cases report, for the runs that take a Report.
+  Report Cases() {
+    return [this](const std::string& name, const Verdict& verdict) { Case(name, verdict); };
+  }
+  // Writes the summary line; the driver's exit code: 0 when every case passed.
+  int Finish() {
+    Line(std::to_string(passed_) + " passed, " + std::to_string(failed_) + " failed");
+    return failed_ == 0 ? 0 : 1;
+  }
 
  private:
   std::FILE* file_;
+  int passed_ = 0;
+  int failed_ = 0;
 };
 
 // The catalogue tree of the desktop has five nodes on a 6.x system of the NT line, where the
 // program takes itself for "Windows Vista", and six on any other.
 int DesktopNodesExpected() { return TakesItselfForVista() ? 5 : 6; }
-
-std::string DataFolder() {
-  char appData[MAX_PATH] = {};
-  if (FAILED(::SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData))) return "";
-  return std::string(appData) + kDataFolder;
-}
-
-// A default value of a key under HKEY_CLASSES_ROOT set for the runs, and put back as it was
-// afterwards, of the same type and bytes: the prefix is left as the runs found it.
-class ClassValue {
- public:
-  explicit ClassValue(std::string key) : key_(std::move(key)) {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
-      keyExisted_ = true;
-      DWORD size = 0;
-      if (::RegQueryValueExA(handle, nullptr, nullptr, &type_, nullptr, &size) ==
-          ERROR_SUCCESS) {
-        original_.resize(size);
-        valueExisted_ = ::RegQueryValueExA(handle, nullptr, nullptr, &type_,
-                                           original_.empty() ? nullptr : original_.data(),
-                                           &size) == ERROR_SUCCESS;
-        original_.resize(size);
-      }
-      ::RegCloseKey(handle);
-    }
-  }
-  ~ClassValue() {
-    if (!keyExisted_) {
-      ::RegDeleteKeyA(HKEY_CLASSES_ROOT, key_.c_str());
-    } else if (valueExisted_) {
-      Write(type_, original_.data(), original_.size());
-    } else {
-      Remove();
-    }
-  }
-  ClassValue(const ClassValue&) = delete;
-  ClassValue& operator=(const ClassValue&) = delete;
-
-  // Whether the key had a default value before the runs.
-  bool Present() const { return valueExisted_; }
-  bool Set(const std::string& value) const {
-    return Write(REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), value.size() + 1);
-  }
-  void Remove() const {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, KEY_WRITE, &handle) == ERROR_SUCCESS) {
-      ::RegDeleteValueA(handle, nullptr);
-      ::RegCloseKey(handle);
-    }
-  }
-
- private:
-  bool Write(DWORD type, const BYTE* data, std::size_t size) const {
-    HKEY handle = nullptr;
-    if (::RegCreateKeyExA(HKEY_CLASSES_ROOT, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                          &handle, nullptr) != ERROR_SUCCESS) {
-      return false;
-    }
-    const LONG set = ::RegSetValueExA(handle, nullptr, 0, type, data, static_cast<DWORD>(size));
-    ::RegCloseKey(handle);
-    return set == ERROR_SUCCESS;
-  }
-
-  std::string key_;
-  bool keyExisted_ = false;
-  bool valueExisted_ = false;
-  DWORD type_ = REG_NONE;
-  std::vector<BYTE> original_;
-};
-
-std::string ReadFileText(const std::string& path) {
-  std::string text;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char buffer[4096];
-    std::size_t read = 0;
-    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
-    std::fclose(file);
-  }
-  return text;
-}
 
 // TvDesktop: found by its name, a visible tree view whose window text is its name, filled.
 void CheckDesktopTree(Verdict& verdict, HWND window, bool shown) {
@@ -498,10 +433,10 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder,
   }
   // The machine as Windows has it: an icon for "My Computer" (the prefix's own when it has one)
   // and a class for ".doc". All is put back as it was when the runs are over.
-  ClassValue myComputer(kMyComputerIcon);
-  ClassValue doc(".doc");
-  ClassValue docClass(kDocClass);  // made with its icon's key when it is not there
-  ClassValue docIcon(kDocClassIcon);
+  KeptValue myComputer(HKEY_CLASSES_ROOT, kMyComputerIcon, "");
+  KeptValue doc(HKEY_CLASSES_ROOT, ".doc", "");
+  KeptValue docClass(HKEY_CLASSES_ROOT, kDocClass, "");  // made with its icon's key when it is not there
+  KeptValue docIcon(HKEY_CLASSES_ROOT, kDocClassIcon, "");
   if (!(myComputer.Present() || myComputer.Set(kMyComputerStock)) || !doc.Set(kDocClass) ||
       !docIcon.Set(kDocIcon)) {
     result.Line("FAIL setup: the classes of \"My Computer\" and \".doc\" could not be set");
@@ -517,17 +452,7 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder,
   };
   const RunModeCase withoutIcon = {"interactive, no icon value for \"My Computer\"",
                                    "", true, true, "e2e-load-fails", true};
-  int passed = 0;
-  int failed = 0;
-  auto report = [&](const std::string& name, const Verdict& verdict) {
-    if (verdict.Passed()) {
-      ++passed;
-      result.Line("ok   " + name + ": " + verdict.Summary());
-    } else {
-      ++failed;
-      result.Line("FAIL " + name + ": " + verdict.Summary());
-    }
-  };
+  const Report report = result.Cases();
   for (const RunModeCase& runCase : cases) {
     report(runCase.name, RunCase(runCase, program, screenshotFolder));
   }
@@ -540,8 +465,7 @@ int RunModes(const std::string& resultPath, const std::string& screenshotFolder,
   // the load routine fails there, as it does on a Wine prefix that lacks the value.
   myComputer.Remove();
   report(withoutIcon.name, RunCase(withoutIcon, program, screenshotFolder));
-  result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
-  return failed == 0 ? 0 : 1;
+  return result.Finish();
 }
 
 // The main window driven by the pointer alone, in a run of its own: the script runs it with the
@@ -551,32 +475,16 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   ResultFile result(resultPath);
   if (!result.IsOpen()) return 2;
   const std::string program = OwnFolder() + "quorvane.exe";
-  int passed = 0;
-  int failed = 0;
-  RunNavigation(program, screenshotFolder, shotPrefix, Ending::ByPicClose,
-                [&](const std::string& name, const Verdict& verdict) {
-                  (verdict.Passed() ? passed : failed) += 1;
-                  result.Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " +
-                              verdict.Summary());
-                });
-  result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
-  return failed == 0 ? 0 : 1;
+  RunNavigation(program, screenshotFolder, shotPrefix, Ending::ByPicClose, result.Cases());
+  return result.Finish();
 }
 
 int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
                 const std::string& manifest) {
   ResultFile result(resultPath);
   if (!result.IsOpen()) return 2;
-  int passed = 0;
-  int failed = 0;
-  RunSettings(OwnFolder() + "quorvane.exe", screenshotFolder, manifest,
-              [&](const std::string& name, const Verdict& verdict) {
-                (verdict.Passed() ? passed : failed) += 1;
-                result.Line((verdict.Passed() ? "ok   " : "FAIL ") + name + ": " +
-                            verdict.Summary());
-              });
-  result.Line(std::to_string(passed) + " passed, " + std::to_string(failed) + " failed");
-  return failed == 0 ? 0 : 1;
+  RunSettings(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, result.Cases());
+  return result.Finish();
 }
 
 DWORD Milliseconds(const char* seconds) {

@@ -14,18 +14,17 @@
 
 #include "Controls.h"
 #include "Desktop.h"
+#include "Registry.h"
 #include "Verdict.h"
 
 namespace quorvane::e2e {
 
 namespace {
 
-constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kChangeTimeout = 3000;
 // CmdApply and CmdDefault rebuild the whole catalogue, and each row they write refreshes the
 // shell with broadcasts that may each wait for slow windows.
 constexpr DWORD kRebuildTimeout = 40000;
-constexpr DWORD kEndTimeout = 10000;
 // How long a click that must change nothing is given to show a change all the same.
 constexpr DWORD kNoChangeWait = 800;
 // A colour channel of the screen may differ this much from the picture it shows.
@@ -64,116 +63,6 @@ constexpr int kPickerListId = 1005;
 
 std::string Location(int index) { return std::string(kLibrary) + "," + std::to_string(index); }
 
-POINT Centre(const RECT& area) {
-  return POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-}
-
-std::string Shown(const std::optional<std::string>& value) {
-  return value ? "\"" + *value + "\"" : "no value";
-}
-
-// A registry value that the run sets or that the program writes, with the keys on its path:
-// put back when its owner goes, of the same type and bytes, and the keys that were not there
-// removed again, so that the prefix is left as the run found it.
-class SavedValue {
- public:
-  SavedValue(HKEY root, std::string rootName, std::string key, std::string name)
-      : root_(root), rootName_(std::move(rootName)), key_(std::move(key)), name_(std::move(name)) {
-    std::size_t end = 0;
-    do {
-      end = key_.find('\\', end + 1);
-      const std::string path = key_.substr(0, end);
-      HKEY handle = nullptr;
-      if (::RegOpenKeyExA(root_, path.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
-        ::RegCloseKey(handle);
-      } else {
-        missing_.push_back(path);
-      }
-    } while (end != std::string::npos);
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_READ, &handle) == ERROR_SUCCESS) {
-      DWORD size = 0;
-      if (::RegQueryValueExA(handle, Name(), nullptr, &type_, nullptr, &size) == ERROR_SUCCESS) {
-        original_.resize(size);
-        existed_ = ::RegQueryValueExA(handle, Name(), nullptr, &type_,
-                                      original_.empty() ? nullptr : original_.data(),
-                                      &size) == ERROR_SUCCESS;
-        original_.resize(size);
-      }
-      ::RegCloseKey(handle);
-    }
-  }
-  ~SavedValue() {
-    if (existed_) {
-      Write(type_, original_.data(), original_.size());
-    } else {
-      HKEY handle = nullptr;
-      if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_SET_VALUE, &handle) == ERROR_SUCCESS) {
-        ::RegDeleteValueA(handle, Name());
-        ::RegCloseKey(handle);
-      }
-    }
-    // Innermost first; a key that has gained other keys meanwhile stays.
-    for (auto path = missing_.rbegin(); path != missing_.rend(); ++path) {
-      ::RegDeleteKeyA(root_, path->c_str());
-    }
-  }
-  SavedValue(const SavedValue&) = delete;
-  SavedValue& operator=(const SavedValue&) = delete;
-
-  // The value as text now; none when the key or the value is missing.
-  std::optional<std::string> Text() const {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(root_, key_.c_str(), 0, KEY_QUERY_VALUE, &handle) != ERROR_SUCCESS) {
-      return std::nullopt;
-    }
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    std::optional<std::string> text;
-    if (::RegQueryValueExA(handle, Name(), nullptr, &type, nullptr, &size) == ERROR_SUCCESS) {
-      std::vector<BYTE> bytes(size + 1, 0);
-      if (::RegQueryValueExA(handle, Name(), nullptr, &type, bytes.data(), &size) ==
-          ERROR_SUCCESS) {
-        if (type == REG_SZ || type == REG_EXPAND_SZ) {
-          text = std::string(reinterpret_cast<const char*>(bytes.data()));
-        } else {
-          text = "(a value of type " + std::to_string(type) + ")";
-        }
-      }
-    }
-    ::RegCloseKey(handle);
-    return text;
-  }
-  bool Set(const std::string& value) const {
-    return Write(REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()), value.size() + 1);
-  }
-  std::string Where() const {
-    return rootName_ + "\\" + key_ + (name_.empty() ? " (default value)" : " \"" + name_ + "\"");
-  }
-
- private:
-  const char* Name() const { return name_.empty() ? nullptr : name_.c_str(); }
-  bool Write(DWORD type, const BYTE* data, std::size_t size) const {
-    HKEY handle = nullptr;
-    if (::RegCreateKeyExA(root_, key_.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &handle,
-                          nullptr) != ERROR_SUCCESS) {
-      return false;
-    }
-    const LONG set = ::RegSetValueExA(handle, Name(), 0, type, data, static_cast<DWORD>(size));
-    ::RegCloseKey(handle);
-    return set == ERROR_SUCCESS;
-  }
-
-  HKEY root_;
-  std::string rootName_;
-  std::string key_;
-  std::string name_;
-  std::vector<std::string> missing_;
-  bool existed_ = false;
-  DWORD type_ = REG_NONE;
-  std::vector<BYTE> original_;
-};
-
 // An environment variable set for the programs started meanwhile, and put back afterwards.
 class EnvironmentSetting {
  public:
@@ -200,17 +89,6 @@ struct PickerRequest {
   std::string file;
 };
 
-std::string FileText(const std::string& path) {
-  std::string text;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char buffer[4096];
-    std::size_t read = 0;
-    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
-    std::fclose(file);
-  }
-  return text;
-}
-
 // The picker's requests in `text`. A line reads
 //   0144:fixme:shell:PickIconDlg (0000000000010068,L"C:\\windows\\...\\shell32.dll",260,...):stub.
 // with the owner window, then the file as a quoted, escaped string.
@@ -235,15 +113,6 @@ std::vector<PickerRequest> PickerRequests(const std::string& text) {
   return requests;
 }
 
-bool Close(std::uint32_t a, std::uint32_t b) {
-  for (int shift = 0; shift <= 16; shift += 8) {
-    const int x = static_cast<int>((a >> shift) & 0xFF);
-    const int y = static_cast<int>((b >> shift) & 0xFF);
-    if (std::abs(x - y) > kTolerance) return false;
-  }
-  return true;
-}
-
 // Icon `index` of `file` drawn the way the preview sIcon draws a row's icon: the small icon at
 // (1, 1), at its own size, on the box's back colour. False, with `error`, when the file gives
 // no such icon.
@@ -260,36 +129,14 @@ bool DrawnIcon(const std::string& file, int index, int width, int height, std::u
     return false;
   }
   if (large != nullptr) ::DestroyIcon(large);
-  HDC screen = ::GetDC(nullptr);
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = -height;  // top-down
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  HDC memory = ::CreateCompatibleDC(screen);
-  HBITMAP surface = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
   bool drawn = false;
-  if (memory != nullptr && surface != nullptr) {
-    HGDIOBJ previous = ::SelectObject(memory, surface);
-    RECT all{0, 0, width, height};
-    HBRUSH brush = ::CreateSolidBrush(
-        RGB((background >> 16) & 0xFF, (background >> 8) & 0xFF, background & 0xFF));
-    ::FillRect(memory, &all, brush);
-    ::DeleteObject(brush);
-    drawn = ::DrawIconEx(memory, 1, 1, small, 0, 0, 0, nullptr, DI_NORMAL) != 0;
-    ::GdiFlush();
-    const auto* first = static_cast<const std::uint32_t*>(bits);
-    pixels.assign(first,
-                  first + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (std::uint32_t& p : pixels) p &= 0x00FFFFFFu;
-    ::SelectObject(memory, previous);
+  {
+    DrawingSurface surface(width, height);
+    surface.Fill(background);
+    drawn = surface.Ready() &&
+            ::DrawIconEx(surface.Context(), 1, 1, small, 0, 0, 0, nullptr, DI_NORMAL) != 0;
+    if (drawn) pixels = surface.Pixels();
   }
-  if (surface != nullptr) ::DeleteObject(surface);
-  if (memory != nullptr) ::DeleteDC(memory);
-  ::ReleaseDC(nullptr, screen);
   ::DestroyIcon(small);
   if (!drawn) error = "icon " + std::to_string(index) + " of " + file + " could not be drawn";
   return drawn;
@@ -298,48 +145,8 @@ bool DrawnIcon(const std::string& file, int index, int width, int height, std::u
 int Differences(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b) {
   if (a.size() != b.size()) return static_cast<int>(std::max(a.size(), b.size()));
   int different = 0;
-  for (std::size_t i = 0; i < a.size(); ++i) different += Close(a[i], b[i]) ? 0 : 1;
+  for (std::size_t i = 0; i < a.size(); ++i) different += CloseColours(a[i], b[i], kTolerance) ? 0 : 1;
   return different;
-}
-
-struct DialogSearch {
-  DWORD processId;
-  HWND found;
-};
-
-// The first shown top-level dialog window (class "#32770") of the process: the picker or a
-// message box.
-HWND DialogOf(DWORD processId) {
-  DialogSearch search{processId, nullptr};
-  ::EnumWindows(
-      [](HWND window, LPARAM data) -> BOOL {
-        auto& s = *reinterpret_cast<DialogSearch*>(data);
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == s.processId && ::IsWindowVisible(window) != 0 &&
-            ClassNameOf(window) == "#32770") {
-          s.found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
-// The texts of a dialog's static controls, in order, joined by " | ".
-std::string DialogText(HWND dialog) {
-  std::string text;
-  ::EnumChildWindows(
-      dialog,
-      [](HWND child, LPARAM data) -> BOOL {
-        auto& t = *reinterpret_cast<std::string*>(data);
-        const std::string shown = TextOf(child);
-        if (ClassNameOf(child) == "Static" && !shown.empty()) t += (t.empty() ? "" : " | ") + shown;
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&text));
-  return text;
 }
 
 // The text of a control of another process, as the control itself gives it.
@@ -363,7 +170,7 @@ struct RowKeys {
 class IconSession {
  public:
   IconSession(HWND window, const Child& child, std::string shots, std::string trace,
-              const SavedValue& classIcon, const SavedValue& classIdIcon)
+              const KeptValue& classIcon, const KeptValue& classIdIcon)
       : window_(window),
         child_(child),
         shots_(std::move(shots)),
@@ -371,7 +178,7 @@ class IconSession {
         classIcon_(classIcon),
         classIdIcon_(classIdIcon) {}
 
-  RowKeys Keys() const { return RowKeys{classIcon_.Text(), classIdIcon_.Text()}; }
+  RowKeys Keys() const { return RowKeys{classIcon_.Now(), classIdIcon_.Now()}; }
   std::string Describe(const RowKeys& keys) const {
     return classIcon_.Where() + " " + Shown(keys.classIcon) + ", " + classIdIcon_.Where() + " " +
            Shown(keys.classIdIcon);
@@ -499,10 +306,10 @@ class IconSession {
 
   // The picker's requests told in the trace since `from` (a size of the trace file).
   std::vector<PickerRequest> PickerRequestsSince(std::size_t from) const {
-    const std::string text = FileText(trace_);
+    const std::string text = ReadFileText(trace_);
     return PickerRequests(text.size() > from ? text.substr(from) : std::string());
   }
-  std::size_t TraceSize() const { return FileText(trace_).size(); }
+  std::size_t TraceSize() const { return ReadFileText(trace_).size(); }
   bool HasTrace() const { return !trace_.empty(); }
 
   // The picker after a request for it: a dialog "Change Icon" owned by the main window, on
@@ -575,7 +382,7 @@ class IconSession {
     std::string shotError;
     if (verdict.Check(CaptureScreen(item, cell, shotError), "the picker's list: " + shotError)) {
       verdict.Check(std::any_of(cell.begin(), cell.end(),
-                                [&](std::uint32_t p) { return !Close(p, cell.front()); }),
+                                [&](std::uint32_t p) { return !CloseColours(p, cell.front(), kTolerance); }),
                     "the picker's cell of icon " + std::to_string(index) + " is empty");
     }
     ClickAt(Centre(item));
@@ -585,22 +392,6 @@ class IconSession {
                                    }),
                          "a click on the picker's icon " + std::to_string(index) +
                              " did not select it");
-  }
-
-  // A click on the picker's button `id` (OK or Cancel), which closes it.
-  bool ClosePicker(Verdict& verdict, HWND dialog, int id, const std::string& name) {
-    const HWND button = ::GetDlgItem(dialog, id);
-    if (!verdict.Check(button != nullptr && ::IsWindowVisible(button) != 0 &&
-                           ::IsWindowEnabled(button) != 0,
-                       "the picker's " + name + " button is missing or disabled")) {
-      ::PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-      return false;
-    }
-    ClickAt(Centre(ScreenRect(button)));
-    return verdict.Check(
-        WaitUntil(kChangeTimeout,
-                  [&] { return ::IsWindow(dialog) == 0 || ::IsWindowVisible(dialog) == 0; }),
-        "the picker is still shown after a click on " + name);
   }
 
   // The row staged: its node bold with another image than `before` shows, the preview on icon
@@ -679,16 +470,7 @@ class IconSession {
     verdict.Check(right, "the message box says \"" + text + "\", not \"" + kRestartMessage + "\"");
     ::Sleep(300);  // let it paint before the picture is taken
     SaveShot(verdict, shot);
-    HWND ok = ::GetDlgItem(box, IDOK);
-    if (!verdict.Check(ok != nullptr && ::IsWindowVisible(ok) != 0,
-                       "the message box has no OK button")) {
-      ::PostMessageA(box, WM_COMMAND, IDOK, 0);
-    } else {
-      ClickAt(Centre(ScreenRect(ok)));
-    }
-    verdict.Check(WaitUntil(kChangeTimeout,
-                            [&] { return ::IsWindow(box) == 0 || ::IsWindowVisible(box) == 0; }),
-                  "the message box is still shown after a click on OK");
+    ClickDialogButton(verdict, box, IDOK, "OK", kChangeTimeout);
   }
 
   // After a rebuild: TvDesktop filled again, the row there, and no node bold.
@@ -705,9 +487,7 @@ class IconSession {
   }
 
   bool SaveShot(Verdict& verdict, const std::string& name) {
-    std::string error;
-    return verdict.Check(SaveScreen(shots_ + "\\" + name + ".bmp", error),
-                         "no screenshot " + name + ": " + error);
+    return e2e::SaveShot(verdict, shots_, name);
   }
 
   // --- the cases -----------------------------------------------------------------------------
@@ -729,7 +509,7 @@ class IconSession {
     SaveShot(verdict, "e2e-icon-picker");
     if (dialog == nullptr) return verdict;
     ChooseIcon(verdict, dialog, kPickedIndex);
-    ClosePicker(verdict, dialog, IDCANCEL, "Cancel");
+    ClickDialogButton(verdict, dialog, IDCANCEL, "Cancel", kChangeTimeout);
     RowUnchanged(verdict, before, keys, rowIndex_);
     verdict.Note("the picker opened on " + std::string(kLibrary) + " with icon " +
                  std::to_string(rowIndex_) + " selected, owned by the main window; Cancel " +
@@ -753,7 +533,7 @@ class IconSession {
     ClickRow(point, true);
     const HWND dialog = PickerShown(verdict, 0, kLibrary, rowIndex_);
     if (dialog == nullptr || !ChooseIcon(verdict, dialog, kPickedIndex) ||
-        !ClosePicker(verdict, dialog, IDOK, "OK")) {
+        !ClickDialogButton(verdict, dialog, IDOK, "OK", kChangeTimeout)) {
       return verdict;
     }
     RowStaged(verdict, before, keys, kPickedIndex);
@@ -788,7 +568,7 @@ class IconSession {
     if (!ClickCommand(verdict, "CmdChange")) return verdict;
     const HWND dialog = PickerShown(verdict, 0, kLibrary, rowIndex_);
     if (dialog == nullptr || !ChooseIcon(verdict, dialog, kSecondPickIndex) ||
-        !ClosePicker(verdict, dialog, IDOK, "OK")) {
+        !ClickDialogButton(verdict, dialog, IDOK, "OK", kChangeTimeout)) {
       return verdict;
     }
     RowStaged(verdict, before, keys, kSecondPickIndex);
@@ -887,8 +667,8 @@ class IconSession {
   const Child& child_;
   std::string shots_;
   std::string trace_;
-  const SavedValue& classIcon_;
-  const SavedValue& classIdIcon_;
+  const KeptValue& classIcon_;
+  const KeptValue& classIdIcon_;
   // The icon of the row's file that the row holds now.
   int rowIndex_ = kSeedIndex;
   // When the row's node was last clicked.
@@ -900,28 +680,22 @@ class IconSession {
 void RunIconChanges(const std::string& program, const std::string& screenshotFolder,
                     const std::string& traceFile, const Report& report) {
   // Every value the cases touch is put back when these go, after the program has ended.
-  SavedValue iconSize(HKEY_CURRENT_USER, "HKEY_CURRENT_USER", kWindowMetrics, kShellIconSize);
-  SavedValue classIcon(HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT", kClassIconKey, "");
-  SavedValue classIdIcon(HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT", kClassIdIconKey, "");
+  KeptValue iconSize(HKEY_CURRENT_USER, kWindowMetrics, kShellIconSize);
+  KeptValue classIcon(HKEY_CLASSES_ROOT, kClassIconKey, "");
+  KeptValue classIdIcon(HKEY_CLASSES_ROOT, kClassIdIconKey, "");
   Verdict start;
   start.Check(iconSize.Set("32"), "could not set " + iconSize.Where());
   start.Check(classIdIcon.Set(Location(kSeedIndex)), "could not set " + classIdIcon.Where());
 
   Child child;
-  std::string error;
   HWND window = nullptr;
   if (start.Passed()) {
     // The program's shell diagnostics go to the trace, where the picker tells its requests.
     EnvironmentSetting trace("WINEDEBUG", kShellTrace);
-    start.Check(StartProgram(program, "", child, error), "not started: " + error);
+    window = StartWithMainWindow(program, "", true, child, start);
   }
-  if (start.Passed()) {
-    window = WaitForShownMainWindow(child, kAppearTimeout);
-    start.Check(window != nullptr, "the main window was not shown");
-  }
-  if (!start.Passed()) {
+  if (window == nullptr) {
     report("icons: start", start);
-    if (child.process) Terminate(child);
     return;
   }
   ::Sleep(500);  // let it paint
@@ -936,12 +710,7 @@ void RunIconChanges(const std::string& program, const std::string& screenshotFol
   report("icons: CmdApply with nothing staged", session.ApplyCase());
   report(std::string("icons: CmdDefault on \"") + kRow + "\"", session.DefaultCase());
 
-  Verdict end;
-  end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
-  DWORD exitCode = 0;
-  if (!end.Check(WaitForEnd(child, kEndTimeout, exitCode), "the process did not end")) {
-    Terminate(child);
-  }
+  const Verdict end = EndThroughExit(window, child);
   if (!end.Passed()) report("icons: end", end);
 }
 

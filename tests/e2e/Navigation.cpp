@@ -17,9 +17,7 @@ namespace quorvane::e2e {
 
 namespace {
 
-constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kChangeTimeout = 2500;
-constexpr DWORD kEndTimeout = 10000;
 constexpr int kTwipsPerPixel = 15;
 // A colour channel of the screen may differ this much from the picture it shows.
 constexpr int kTolerance = 8;
@@ -61,20 +59,7 @@ const Zone kZones[] = {
 const char* const kTrees[] = {"TvDesktop", "TvStartMenu", "TvExplore", "TvFileType",
                               "TvControlPanel"};
 
-POINT Centre(const RECT& area) {
-  return POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-}
-
 int Rounded(int twips) { return (twips + kTwipsPerPixel / 2) / kTwipsPerPixel; }
-
-bool Close(std::uint32_t a, std::uint32_t b) {
-  for (int shift = 0; shift <= 16; shift += 8) {
-    const int x = static_cast<int>((a >> shift) & 0xFF);
-    const int y = static_cast<int>((b >> shift) & 0xFF);
-    if (std::abs(x - y) > kTolerance) return false;
-  }
-  return true;
-}
 
 // The pixels of `shown` (the screen over `area`) that differ from what `picture` puts at the
 // area's top left corner; -1 when nothing of the picture falls in the area.
@@ -88,7 +73,7 @@ int Mismatches(const std::vector<std::uint32_t>& shown, const RECT& area, const 
     for (int x = 0; x < width; ++x) {
       const std::uint32_t screen = shown[static_cast<std::size_t>(y * stride + x)];
       const std::uint32_t drawn = picture.pixels[static_cast<std::size_t>(y * picture.width + x)];
-      different += Close(screen, drawn) ? 0 : 1;
+      different += CloseColours(screen, drawn, kTolerance) ? 0 : 1;
     }
   }
   return different;
@@ -97,7 +82,9 @@ int Mismatches(const std::vector<std::uint32_t>& shown, const RECT& area, const 
 int Mismatches(const Picture& a, const Picture& b) {
   if (a.width != b.width || a.height != b.height) return a.width * a.height;
   int different = 0;
-  for (std::size_t i = 0; i < a.pixels.size(); ++i) different += Close(a.pixels[i], b.pixels[i]) ? 0 : 1;
+  for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+    different += CloseColours(a.pixels[i], b.pixels[i], kTolerance) ? 0 : 1;
+  }
   return different;
 }
 
@@ -160,47 +147,25 @@ Picture DrawnCaption(const RECT& area, std::uint32_t background, const std::stri
   picture.width = area.right - area.left;
   picture.height = area.bottom - area.top;
   if (picture.width <= 0 || picture.height <= 0) return picture;
-  HDC screen = ::GetDC(nullptr);
   const int pointHeight = -::MulDiv(face.points, 96, 72);  // the window's type is set at 96
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = picture.width;
-  info.bmiHeader.biHeight = -picture.height;
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  HDC memory = ::CreateCompatibleDC(screen);
-  HBITMAP surface = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  DrawingSurface surface(picture.width, picture.height);
   HFONT font = ::CreateFontA(pointHeight, 0, 0, 0, face.bold ? FW_BOLD : FW_NORMAL, FALSE,
                              FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
                              DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana");
-  if (memory != nullptr && surface != nullptr && font != nullptr) {
-    HGDIOBJ oldSurface = ::SelectObject(memory, surface);
+  if (surface.Ready() && font != nullptr) {
+    HDC memory = surface.Context();
     HGDIOBJ oldFont = ::SelectObject(memory, font);
-    RECT inside{0, 0, picture.width, picture.height};
-    const COLORREF back = RGB((background >> 16) & 0xFF, (background >> 8) & 0xFF,
-                              background & 0xFF);
-    HBRUSH brush = ::CreateSolidBrush(back);
-    ::FillRect(memory, &inside, brush);
-    ::DeleteObject(brush);
+    surface.Fill(background);
     ::SetBkMode(memory, TRANSPARENT);
     ::SetTextColor(memory, face.colour);
+    RECT inside{0, 0, picture.width, picture.height};
     std::string text = caption;
     ::DrawTextA(memory, text.data(), static_cast<int>(text.size()), &inside,
                 DT_LEFT | DT_TOP | DT_WORDBREAK | DT_NOPREFIX);
-    ::GdiFlush();
-    const auto* first = static_cast<const std::uint32_t*>(bits);
-    picture.pixels.assign(first, first + static_cast<std::size_t>(picture.width) *
-                                             static_cast<std::size_t>(picture.height));
-    for (std::uint32_t& p : picture.pixels) p &= 0x00FFFFFFu;
+    picture.pixels = surface.Pixels();
     ::SelectObject(memory, oldFont);
-    ::SelectObject(memory, oldSurface);
   }
   if (font != nullptr) ::DeleteObject(font);
-  if (surface != nullptr) ::DeleteObject(surface);
-  if (memory != nullptr) ::DeleteDC(memory);
-  ::ReleaseDC(nullptr, screen);
   return picture;
 }
 
@@ -226,12 +191,6 @@ bool LabelShows(HWND label, const std::string& caption, const Face& face, std::s
   seen = std::to_string(different) + " of " + std::to_string(shown.pixels.size()) +
          " pixels differ from \"" + caption + "\" drawn (" + std::to_string(ink) + " ink)";
   return ink > 0 && different == 0;
-}
-
-bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& name) {
-  std::string error;
-  return verdict.Check(SaveScreen(folder + "\\" + name + ".bmp", error),
-                       "no screenshot " + name + ": " + error);
 }
 
 class Session {
@@ -506,16 +465,10 @@ class Session {
 void RunNavigation(const std::string& program, const std::string& screenshotFolder,
                    const std::string& shotPrefix, Ending ending, const Report& report) {
   Child child;
-  std::string error;
   Verdict start;
-  HWND window = nullptr;
-  if (start.Check(StartProgram(program, "", child, error), "not started: " + error)) {
-    window = WaitForShownMainWindow(child, kAppearTimeout);
-    start.Check(window != nullptr, "the main window was not shown");
-  }
-  if (!start.Passed()) {
+  HWND window = StartWithMainWindow(program, "", true, child, start);
+  if (window == nullptr) {
     report("navigation: start", start);
-    if (child.process) Terminate(child);
     return;
   }
   ::Sleep(500);  // let it paint
@@ -549,12 +502,7 @@ void RunNavigation(const std::string& program, const std::string& screenshotFold
   }
   report("hide with PicMin", session.MinimiseCase(child));
 
-  Verdict end;
-  end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
-  DWORD exitCode = 0;
-  if (!end.Check(WaitForEnd(child, kEndTimeout, exitCode), "the process did not end")) {
-    Terminate(child);
-  }
+  const Verdict end = EndThroughExit(window, child);
   if (!end.Passed()) report("navigation: end", end);
 }
 

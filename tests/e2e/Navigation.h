@@ -2,15 +2,11 @@
 // The main window driven as a person drives it: its pages chosen with the page commands, the
 // catalogue trees chosen by the zones of the zone strip, and the pictures of the command buttons
 // under the pointer. Each case checks what the real window shows and keeps a screenshot.
-#include <functional>
 #include <string>
 
 #include "Verdict.h"
 
 namespace quorvane::e2e {
-
-// Receives each case's name and verdict, in order.
-using Report = std::function<void(const std::string& name, const Verdict& verdict)>;
 
 // How the run ends: hidden with PicMin and then ended through "Quorvane.Exit", or closed with
 // PicClose.

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 #include <commctrl.h>
-#include <shlobj.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -16,19 +15,16 @@
 
 #include "Controls.h"
 #include "Desktop.h"
+#include "Registry.h"
 #include "Verdict.h"
+#include "WallpaperFiles.h"
 
 namespace quorvane::e2e {
 
 namespace {
 
 const char kSettingsClass[] = "QuorvaneSettings";
-const char kChangeWallpaperMessage[] = "Quorvane.ChangeWallpaper";
-constexpr DWORD kAppearTimeout = 30000;
 constexpr DWORD kChangeTimeout = 5000;
-// Unpacking, decoding and saving a photograph of several million pixels under Wine.
-constexpr DWORD kWallpaperTimeout = 90000;
-constexpr DWORD kEndTimeout = 10000;
 
 const char kProductKey[] = "Software\\Talvenor\\Mirefold\\Quorvane";
 const char* const kProductValues[] = {"Enable",    "TimeInterval", "ChangeOrder",
@@ -36,216 +32,12 @@ const char* const kProductValues[] = {"Enable",    "TimeInterval", "ChangeOrder"
 const char kRunKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 const char kRunValue[] = "Talvenor Quorvane";
 const char kDesktopKey[] = "Control Panel\\Desktop";
-const char kDataFolder[] = "\\Talvenor\\Mirefold\\Quorvane\\";
-
-struct ManifestPicture {
-  std::string collection;
-  std::string file;
-  int width = 0;
-  int height = 0;
-};
-
-std::vector<ManifestPicture> ReadManifest(const std::string& path) {
-  std::vector<ManifestPicture> pictures;
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return pictures;
-  char line[1024];
-  while (std::fgets(line, sizeof line, file) != nullptr) {
-    std::string text(line);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    std::vector<std::string> fields;
-    std::size_t from = 0;
-    for (;;) {
-      const std::size_t tab = text.find('\t', from);
-      fields.push_back(text.substr(from, tab == std::string::npos ? std::string::npos : tab - from));
-      if (tab == std::string::npos) break;
-      from = tab + 1;
-    }
-    if (fields.size() != 4) continue;
-    pictures.push_back({fields[0], fields[1], std::atoi(fields[2].c_str()),
-                        std::atoi(fields[3].c_str())});
-  }
-  std::fclose(file);
-  return pictures;
-}
-
-std::string DataFolder() {
-  char appData[MAX_PATH] = {};
-  if (FAILED(::SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData))) return "";
-  return std::string(appData) + kDataFolder;
-}
-
-bool SameText(const std::string& a, const std::string& b) {
-  return a.size() == b.size() && ::CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, a.c_str(),
-                                                  static_cast<int>(a.size()), b.c_str(),
-                                                  static_cast<int>(b.size())) == CSTR_EQUAL;
-}
-
-POINT Centre(const RECT& area) {
-  return POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-}
-
-// A value of the current user's hive, put back when its owner goes with the same type and
-// bytes, or removed when it was not there.
-class KeptValue {
- public:
-  KeptValue(std::string key, std::string name) : key_(std::move(key)), name_(std::move(name)) {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(HKEY_CURRENT_USER, key_.c_str(), 0, KEY_QUERY_VALUE, &handle) !=
-        ERROR_SUCCESS) {
-      return;
-    }
-    DWORD size = 0;
-    if (::RegQueryValueExA(handle, name_.c_str(), nullptr, &type_, nullptr, &size) ==
-        ERROR_SUCCESS) {
-      bytes_.resize(size);
-      existed_ = ::RegQueryValueExA(handle, name_.c_str(), nullptr, &type_,
-                                    bytes_.empty() ? nullptr : bytes_.data(),
-                                    &size) == ERROR_SUCCESS;
-      bytes_.resize(size);
-    }
-    ::RegCloseKey(handle);
-  }
-  ~KeptValue() {
-    if (existed_) {
-      HKEY handle = nullptr;
-      if (::RegCreateKeyExA(HKEY_CURRENT_USER, key_.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
-                            nullptr, &handle, nullptr) == ERROR_SUCCESS) {
-        ::RegSetValueExA(handle, name_.c_str(), 0, type_, bytes_.data(),
-                         static_cast<DWORD>(bytes_.size()));
-        ::RegCloseKey(handle);
-      }
-    } else {
-      Remove();
-    }
-  }
-  KeptValue(const KeptValue&) = delete;
-  KeptValue& operator=(const KeptValue&) = delete;
-
-  void Remove() const {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(HKEY_CURRENT_USER, key_.c_str(), 0, KEY_SET_VALUE, &handle) ==
-        ERROR_SUCCESS) {
-      ::RegDeleteValueA(handle, name_.c_str());
-      ::RegCloseKey(handle);
-    }
-  }
-  // The value now: its text, its number as decimal text, or nothing when it is not there.
-  std::optional<std::string> Now() const {
-    HKEY handle = nullptr;
-    if (::RegOpenKeyExA(HKEY_CURRENT_USER, key_.c_str(), 0, KEY_QUERY_VALUE, &handle) !=
-        ERROR_SUCCESS) {
-      return std::nullopt;
-    }
-    std::optional<std::string> now;
-    DWORD type = REG_NONE;
-    std::vector<BYTE> bytes(4096, 0);
-    DWORD size = static_cast<DWORD>(bytes.size() - 1);
-    if (::RegQueryValueExA(handle, name_.c_str(), nullptr, &type, bytes.data(), &size) ==
-        ERROR_SUCCESS) {
-      if (type == REG_DWORD && size == 4) {
-        DWORD number = 0;
-        std::memcpy(&number, bytes.data(), 4);
-        now = std::to_string(static_cast<std::int32_t>(number));
-      } else if (type == REG_SZ || type == REG_EXPAND_SZ) {
-        now = std::string(reinterpret_cast<const char*>(bytes.data()));
-      } else {
-        now = "(a value of type " + std::to_string(type) + ")";
-      }
-    }
-    ::RegCloseKey(handle);
-    return now;
-  }
-  const std::string& Name() const { return name_; }
-
- private:
-  std::string key_;
-  std::string name_;
-  bool existed_ = false;
-  DWORD type_ = REG_NONE;
-  std::vector<BYTE> bytes_;
-};
-
-std::string Shown(const std::optional<std::string>& value) {
-  return value ? "\"" + *value + "\"" : "no value";
-}
-
-// The system's wallpaper as this process's user32 tells it. Wine keeps the answer of a first
-// query for the life of the process and does not hear of another process's change, so the
-// driver asks only once the change has been made.
-std::string DeskWallpaper() {
-  char path[MAX_PATH + 1] = {};
-  if (::SystemParametersInfoA(SPI_GETDESKWALLPAPER, sizeof path, path, 0) == 0) return "";
-  return path;
-}
 
 std::string ProfileValue(const std::string& section, const std::string& key,
                          const std::string& file) {
   char value[1024] = {};
   ::GetPrivateProfileStringA(section.c_str(), key.c_str(), "", value, sizeof value, file.c_str());
   return value;
-}
-
-// The facts of a bitmap file's headers.
-struct BitmapFacts {
-  bool read = false;
-  bool signature = false;
-  std::uint32_t fileSize = 0;
-  std::uint32_t offset = 0;
-  std::uint32_t headerSize = 0;
-  std::int32_t width = 0;
-  std::int32_t height = 0;
-  std::uint16_t planes = 0;
-  std::uint16_t bits = 0;
-  std::uint32_t compression = 0;
-  std::uint64_t actualSize = 0;
-};
-
-BitmapFacts ReadBitmapFacts(const std::string& path) {
-  BitmapFacts facts;
-  WIN32_FILE_ATTRIBUTE_DATA attributes{};
-  if (::GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &attributes) == 0) return facts;
-  facts.actualSize =
-      (static_cast<std::uint64_t>(attributes.nFileSizeHigh) << 32) | attributes.nFileSizeLow;
-  std::FILE* file = std::fopen(path.c_str(), "rb");
-  if (file == nullptr) return facts;
-  unsigned char header[54] = {};
-  const std::size_t got = std::fread(header, 1, sizeof header, file);
-  std::fclose(file);
-  if (got != sizeof header) return facts;
-  const auto u16 = [&](int at) {
-    return static_cast<std::uint16_t>(header[at] | (header[at + 1] << 8));
-  };
-  const auto u32 = [&](int at) {
-    return static_cast<std::uint32_t>(header[at]) | (static_cast<std::uint32_t>(header[at + 1]) << 8) |
-           (static_cast<std::uint32_t>(header[at + 2]) << 16) |
-           (static_cast<std::uint32_t>(header[at + 3]) << 24);
-  };
-  facts.read = true;
-  facts.signature = header[0] == 'B' && header[1] == 'M';
-  facts.fileSize = u32(2);
-  facts.offset = u32(10);
-  facts.headerSize = u32(14);
-  facts.width = static_cast<std::int32_t>(u32(18));
-  facts.height = static_cast<std::int32_t>(u32(22));
-  facts.planes = u16(26);
-  facts.bits = u16(28);
-  facts.compression = u32(30);
-  return facts;
-}
-
-FILETIME WriteTimeOf(const std::string& path) {
-  WIN32_FILE_ATTRIBUTE_DATA attributes{};
-  if (::GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &attributes) == 0) {
-    return FILETIME{};
-  }
-  return attributes.ftLastWriteTime;
-}
-
-bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& name) {
-  std::string error;
-  return verdict.Check(SaveScreen(folder + "\\" + name + ".bmp", error),
-                       "no screenshot " + name + ": " + error);
 }
 
 // Where the desktop may show a bitmap larger than the screen: stretched over it, as the style
@@ -568,20 +360,7 @@ class SettingsSession {
                                                 system + "\", not \"" + bitmap + "\"");
     ::Sleep(500);  // the file is renamed into place whole; let the desktop draw
     const BitmapFacts facts = ReadBitmapFacts(bitmap);
-    const std::uint64_t row = (static_cast<std::uint64_t>(picture->width) * 3 + 3) / 4 * 4;
-    const std::uint64_t wanted = 54 + row * static_cast<std::uint64_t>(picture->height);
-    verdict.Check(facts.read && facts.signature, "WP.bmp has no bitmap header");
-    verdict.Check(facts.bits == 24 && facts.compression == 0 && facts.planes == 1 &&
-                      facts.headerSize == 40 && facts.offset == 54,
-                  "WP.bmp is not an uncompressed 24-bit bitmap: " + std::to_string(facts.bits) +
-                      " bits, compression " + std::to_string(facts.compression));
-    verdict.Check(facts.width == picture->width && std::abs(facts.height) == picture->height,
-                  "WP.bmp is " + std::to_string(facts.width) + "x" +
-                      std::to_string(facts.height) + ", not " + std::to_string(picture->width) +
-                      "x" + std::to_string(picture->height) + " like " + picture->file);
-    verdict.Check(facts.actualSize == wanted && facts.fileSize == wanted,
-                  "WP.bmp has " + std::to_string(facts.actualSize) + " bytes (header says " +
-                      std::to_string(facts.fileSize) + "), not " + std::to_string(wanted));
+    CheckBitmapOf(verdict, facts, *picture);
     verdict.Check(tile.Now() == std::string("0"),
                   "TileWallpaper is " + Shown(tile.Now()) + ", not \"0\"");
     verdict.Check(style.Now() == std::string("2"),
@@ -636,29 +415,22 @@ void RunSettings(const std::string& program, const std::string& screenshotFolder
   std::vector<std::unique_ptr<KeptValue>> product;
   std::vector<KeptValue*> productViews;
   for (const char* name : kProductValues) {
-    product.push_back(std::make_unique<KeptValue>(kProductKey, name));
+    product.push_back(std::make_unique<KeptValue>(HKEY_CURRENT_USER, kProductKey, name));
     productViews.push_back(product.back().get());
   }
-  KeptValue run(kRunKey, kRunValue);
-  KeptValue tile(kDesktopKey, "TileWallpaper");
-  KeptValue style(kDesktopKey, "WallpaperStyle");
-  KeptValue wallpaper(kDesktopKey, "Wallpaper");
+  KeptValue run(HKEY_CURRENT_USER, kRunKey, kRunValue);
+  KeptValue tile(HKEY_CURRENT_USER, kDesktopKey, "TileWallpaper");
+  KeptValue style(HKEY_CURRENT_USER, kDesktopKey, "WallpaperStyle");
+  KeptValue wallpaper(HKEY_CURRENT_USER, kDesktopKey, "Wallpaper");
   const std::string previousWallpaper = wallpaper.Now().value_or("");
   // The dialog starts from the defaults, and from no start with Windows.
   for (const auto& value : product) value->Remove();
   run.Remove();
 
   Child child;
-  std::string error;
-  HWND window = nullptr;
-  start.Check(StartProgram(program, "", child, error), "not started: " + error);
-  if (start.Passed()) {
-    window = WaitForShownMainWindow(child, kAppearTimeout);
-    start.Check(window != nullptr, "the main window was not shown");
-  }
-  if (!start.Passed()) {
+  HWND window = StartWithMainWindow(program, "", true, child, start);
+  if (window == nullptr) {
     report("settings: start", start);
-    if (child.process) Terminate(child);
     return;
   }
   ::Sleep(500);  // let it paint
@@ -678,12 +450,7 @@ void RunSettings(const std::string& program, const std::string& screenshotFolder
     }
   }
 
-  Verdict end;
-  end.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
-  DWORD exitCode = 0;
-  if (!end.Check(WaitForEnd(child, kEndTimeout, exitCode), "the process did not end")) {
-    Terminate(child);
-  }
+  const Verdict end = EndThroughExit(window, child);
   if (!end.Passed()) report("settings: end", end);
   ::SystemParametersInfoA(SPI_SETDESKWALLPAPER, 0, const_cast<char*>(previousWallpaper.c_str()),
                           SPIF_UPDATEINIFILE);

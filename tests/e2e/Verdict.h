@@ -1,6 +1,6 @@
 #pragma once
 // What a case of the end-to-end driver keeps: its failed checks with their reasons, or, when all
-// passed, what it saw; and the bounded wait the cases poll with.
+// passed, what it saw; where the verdicts of a run go; and the bounded wait the cases poll with.
 #include <windows.h>
 
 #include <functional>
@@ -40,6 +40,9 @@ class Verdict {
   std::vector<std::string> failures_;
   std::vector<std::string> notes_;
 };
+
+// Receives each case's name and verdict, in order.
+using Report = std::function<void(const std::string& name, const Verdict& verdict)>;
 
 // "left,top widthxheight".
 inline std::string Describe(const RECT& r) {
