@@ -6,8 +6,10 @@
 # data folder with Empty.ico), the pages, zones and hover pictures driven by the pointer; then
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
 # its command, at a display scaling of 150 %; then the wallpaper settings dialog over two collections
-# packed from Debian's desktop backgrounds, and the wallpaper change it sets up (skipped, with a
-# note, where no such pictures are installed). One screenshot per run and case goes to build/screenshots/. Ends with
+# packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
+# program resident, changes that fail (a Total that is no number, a collection whose archive is
+# gone, a packed file that is no picture), each reported in a message box and the log, and a good
+# change after them (both skipped, with a note, where no such pictures are installed). One screenshot per run and case goes to build/screenshots/. Ends with
 # "N passed, M failed"; the exit status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
@@ -161,7 +163,9 @@ settings_run() {
   rm -rf "$kept"
   mkdir -p "$kept"
   local name
-  for name in Photos Photos.RXS Drawings Drawings.RXS Files.ini WP.bmp Temp.JPG Temp.PNG; do
+  local kept_names=(Photos Photos.RXS Drawings Drawings.RXS Undecodable Undecodable.RXS
+    Undecodable.jpg Files.ini WP.bmp Temp.JPG Temp.PNG)
+  for name in "${kept_names[@]}"; do
     [ -e "$data_u/$name" ] && mv "$data_u/$name" "$kept/"
   done
   : >"$manifest"
@@ -184,10 +188,23 @@ settings_run() {
   if [ "$packed" = 1 ]; then
     echo "collections: Photos (${photos[*]##*/}), Drawings (${drawings[*]##*/})"
     drive "$work/settings.txt" settings "$shots_w" "$(winepath -w "$manifest" 2>/dev/null)"
+    # A collection whose one file is named as a photograph and holds text: packed after the
+    # settings run, which lists the manifest's collections alone.
+    local undecodable="$work/Undecodable.jpg"
+    printf 'This file is named as a JPEG picture but holds text.\r\n' >"$undecodable"
+    echo "== end to end: changes that fail, each reported, then a good one (resident)"
+    if wine "$bin/cab_probe.exe" pack "$data_w\\Undecodable.RXS" \
+        "$(winepath -w "$undecodable" 2>/dev/null)" >>"$work/wine.log" 2>&1 </dev/null; then
+      drive "$work/wallpaper-failures.txt" wallpaper-failures "$shots_w" \
+        "$(winepath -w "$manifest" 2>/dev/null)" 'Undecodable\Undecodable.jpg'
+    else
+      report+="FAIL wallpaper failures: cab_probe.exe could not pack Undecodable.RXS"$'\n'"0 passed, 1 failed"$'\n'
+    fi
+    rm -f "$undecodable"
   else
     report+="FAIL settings: cab_probe.exe could not pack the collections"$'\n'"0 passed, 1 failed"$'\n'
   fi
-  for name in Photos Photos.RXS Drawings Drawings.RXS Files.ini WP.bmp Temp.JPG Temp.PNG; do
+  for name in "${kept_names[@]}"; do
     rm -rf "${data_u:?}/$name"
     [ -e "$kept/$name" ] && mv "$kept/$name" "$data_u/"
   done

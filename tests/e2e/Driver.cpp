@@ -13,6 +13,11 @@
 //   e2e_driver settings <result file> <screenshot folder> <manifest file>
 //       One run for the wallpaper settings (Settings.cpp): the dialog opened with CmdSettings,
 //       a collection of the manifest ticked and saved, then the wallpaper changed at once.
+//   e2e_driver wallpaper-failures <result file> <screenshot folder> <manifest file> <entry>
+//       One resident run for the report of a failed change (WallpaperFailures.cpp): Files.ini
+//       made to name what can't become a wallpaper, <entry> ("<collection>\<file>") being a
+//       packed file that is no picture; each change shows a message box and logs a line, and
+//       the change of the manifest's first picture works afterwards.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -39,6 +44,7 @@
 #include "Registry.h"
 #include "Settings.h"
 #include "Verdict.h"
+#include "WallpaperFailures.h"
 
 namespace {
 
@@ -487,6 +493,15 @@ int SettingsRun(const std::string& resultPath, const std::string& screenshotFold
   return result.Finish();
 }
 
+int WallpaperFailuresRun(const std::string& resultPath, const std::string& screenshotFolder,
+                         const std::string& manifest, const std::string& undecodable) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunWallpaperFailures(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, undecodable,
+                       result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -527,6 +542,9 @@ int main(int argc, char** argv) {
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
   if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
+  if (command == "wallpaper-failures" && argc == 6) {
+    return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);
+  }
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;
