@@ -2,12 +2,9 @@
 
 #include <windows.h>
 #include <commctrl.h>
-#include <ole2.h>
-#include <oleacc.h>
 #include <windowsx.h>
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
 #include "core/FrmMain.h"
@@ -28,18 +25,15 @@ struct NodeMirror {
   bool expanded = false;
 };
 
-struct BoundControl {
-  Control* control = nullptr;
-  Kind kind = Kind::Plain;
-  FormWindow* owner = nullptr;
-  HWND window = nullptr;  // the control's own window: for a spin edit, the one holding both parts
-  HWND edit = nullptr;    // spin edits: the edit and the up-down
-  HWND upDown = nullptr;
+struct BoundControl final : BoundWindow {
+  explicit BoundControl(Kind what) : kind(what) {}
+  void WindowDestroyed() override { mirror.clear(); }
+
+  const Kind kind;
   bool pressed = false;   // the left button went down on the window and has not come up yet
   // Picture boxes: whether the persistent image is shown rather than the Picture.
   bool showsDrawn = false;
-  // Tree views: one item per node, by position from 1, and what each item shows.
-  std::vector<HTREEITEM> items;
+  // Tree views: what each item shows, by position from 1.
   std::vector<NodeMirror> mirror;
   bool hasLines = false;
   POINT lastPress{-1, -1};  // where the last button went down, in the tree's client pixels
@@ -63,29 +57,7 @@ const char* const kSpinClass = "QuorvaneSpinEdit";
 constexpr const char* kSyncMessage = "Quorvane.SyncNodes";
 constexpr UINT_PTR kTimer1 = 1;
 
-// The annotation service of the platform's accessibility layer, by its published identities.
-const CLSID kAccPropServicesClass = {
-    0xb5f8350b, 0x0548, 0x48b1, {0xa6, 0xee, 0x88, 0xbd, 0x00, 0xb4, 0xa5, 0xe7}};
-const IID kAccPropServicesInterface = {
-    0x6e26e776, 0x04f0, 0x495d, {0x80, 0xe4, 0x33, 0x30, 0x35, 0x2e, 0x31, 0x69}};
-const GUID kAccNameProperty = {
-    0x608d3df8, 0x8128, 0x4aa7, {0xa4, 0x28, 0xf5, 0x5e, 0x49, 0x26, 0x72, 0x91}};
-
-int ToPixels(std::int32_t twips) { return static_cast<int>(twips / kTwipsPerPixel); }
-
-// Every caption of the window is set in "Verdana". The window is laid out in pixels (15 twips to
-// the pixel), so its type is too: points are taken at 96 pixels to the inch whatever the
-// screen's setting, and a caption always fits the box the design gives it. At a larger display
-// scaling the system enlarges the whole window, which declares no awareness of scaling.
-HFONT MakeVerdana(int points, bool bold, bool underline) {
-  return ::CreateFontA(-::MulDiv(points, 96, 72), 0, 0, 0, bold ? FW_BOLD : FW_NORMAL,
-                       FALSE, underline ? TRUE : FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana");
-}
-
-std::uint32_t ToHandleValue(const void* handle) {
-  return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
-}
+BoundControl& Of(BoundWindow& bound) { return static_cast<BoundControl&>(bound); }
 
 // The design names its spin edits "Txt…" and "Cbo…"; every other value control is a slider.
 bool IsSpinEdit(const std::string& name) {
@@ -121,22 +93,6 @@ float TwipsOf(int pixels) { return static_cast<float>(pixels * kTwipsPerPixel); 
 // Image numbers count from 1; 0 is no image.
 int ImageIndexOf(std::int16_t number) { return number >= 1 ? number - 1 : I_IMAGENONE; }
 
-std::wstring Widen(const std::string& text) {
-  if (text.empty()) return std::wstring();
-  const int length =
-      ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 0), L'\0');
-  if (length > 0) {
-    ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                          length);
-  }
-  return wide;
-}
-
-std::runtime_error SystemFailure(const std::string& what) {
-  return std::runtime_error(what + " (system error " + std::to_string(::GetLastError()) + ")");
-}
-
 // Paints a window through a bitmap of its size, so that what it shows never flickers.
 template <class Painter>
 void PaintBuffered(HWND window, Painter&& paint) {
@@ -159,43 +115,10 @@ void PaintBuffered(HWND window, Painter&& paint) {
   ::EndPaint(window, &ps);
 }
 
-class Applying {
- public:
-  explicit Applying(int& counter) : counter_(counter) { ++counter_; }
-  ~Applying() { --counter_; }
-  Applying(const Applying&) = delete;
-  Applying& operator=(const Applying&) = delete;
-
- private:
-  int& counter_;
-};
-
 }  // namespace
 
-std::string SystemNameOf(const Control& control) {
-  if (control.Index() < 0) return control.Name();
-  return control.Name() + "(" + std::to_string(control.Index()) + ")";
-}
-
-bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index) {
-  index = -1;
-  const std::size_t open = text.find('(');
-  if (open == std::string_view::npos) {
-    name.assign(text);
-    return !name.empty() && text.find(')') == std::string_view::npos;
-  }
-  if (open == 0 || text.size() < open + 3 || text.back() != ')') return false;
-  const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size() || value < 0) return false;
-  name.assign(text.substr(0, open));
-  index = value;
-  return true;
-}
-
 FormWindow::FormWindow(FrmMain& form, HINSTANCE instance, HICON icon, HICON smallIcon)
-    : form_(form), instance_(instance), icon_(icon), smallIcon_(smallIcon) {}
+    : ControlBinding(instance), form_(form), icon_(icon), smallIcon_(smallIcon) {}
 
 FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
@@ -203,12 +126,7 @@ FormWindow::~FormWindow() {
   QueryUnload = nullptr;
   Failed = nullptr;
   Destroy();
-  for (auto& bound : bound_) bound->control->Observe(nullptr);
   for (auto& list : imageLists_) list->model->Observe(nullptr);
-  if (accessibleNames_ != nullptr) {
-    static_cast<IAccPropServices*>(accessibleNames_)->Release();
-    accessibleNames_ = nullptr;
-  }
 }
 
 void FormWindow::OnRegisteredMessage(const char* name, std::function<void()> handler) {
@@ -216,86 +134,47 @@ void FormWindow::OnRegisteredMessage(const char* name, std::function<void()> han
   if (message != 0) registeredHandlers_.emplace_back(message, std::move(handler));
 }
 
-void FormWindow::Run(const std::function<void()>& handler) {
-  if (!handler) return;
-  const std::function<void()> call = handler;  // a handler may replace itself while it runs
-  try {
-    call();
-  } catch (const std::exception& failure) {
-    if (Failed) Failed(failure);
-  } catch (...) {
-    if (Failed) Failed(std::runtime_error("Unknown failure"));
-  }
-}
-
 void FormWindow::RegisterClasses() {
-  WNDCLASSEXA top{};
-  top.cbSize = sizeof top;
-  if (::GetClassInfoExA(instance_, kMainWindowClass, &top) == 0) {
-    top = WNDCLASSEXA{};
-    top.cbSize = sizeof top;
-    top.style = CS_DBLCLKS;
-    top.lpfnWndProc = &FormWindow::TopProcedure;
-    top.hInstance = instance_;
-    top.hIcon = icon_;
-    top.hIconSm = smallIcon_;
-    top.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
-    top.hbrBackground = ::GetSysColorBrush(COLOR_BTNFACE);
-    top.lpszClassName = kMainWindowClass;
-    if (::RegisterClassExA(&top) == 0) throw SystemFailure("The main window's class was refused");
-  }
+  RegisterWindowClass(Instance(),
+                      {.name = kMainWindowClass,
+                       .procedure = &ControlBinding::TopProcedure,
+                       .style = CS_DBLCLKS,
+                       .background = ::GetSysColorBrush(COLOR_BTNFACE),
+                       .icon = icon_,
+                       .smallIcon = smallIcon_},
+                      "The main window's class was refused");
   for (const char* name : {kPictureClass, kLabelClass, kSpinClass}) {
-    WNDCLASSEXA child{};
-    child.cbSize = sizeof child;
-    if (::GetClassInfoExA(instance_, name, &child) != 0) continue;
-    child = WNDCLASSEXA{};
-    child.cbSize = sizeof child;
-    child.style = CS_DBLCLKS;
-    child.lpfnWndProc = &FormWindow::ChildProcedure;
-    child.hInstance = instance_;
-    child.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
-    child.lpszClassName = name;
-    if (::RegisterClassExA(&child) == 0) throw SystemFailure("A control's class was refused");
+    RegisterWindowClass(Instance(),
+                        {.name = name,
+                         .procedure = &ControlBinding::PartProcedure,
+                         .style = CS_DBLCLKS},
+                        "A control's class was refused");
   }
 }
 
 void FormWindow::Create() {
-  if (window_ != nullptr) return;
-  INITCOMMONCONTROLSEX controls{};
-  controls.dwSize = sizeof controls;
-  controls.dwICC = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS |
-                   ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES;
-  ::InitCommonControlsEx(&controls);
+  if (Handle() != nullptr) return;
+  Prepare(ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS | ICC_STANDARD_CLASSES |
+          ICC_WIN95_CLASSES);
   RegisterClasses();
-  findMessage_ = ::RegisterWindowMessageA(kFindControlMessage);
   syncMessage_ = ::RegisterWindowMessageA(kSyncMessage);
-
-  if (accessibleNames_ == nullptr) {
-    void* service = nullptr;
-    if (SUCCEEDED(::CoCreateInstance(kAccPropServicesClass, nullptr, CLSCTX_INPROC_SERVER,
-                                     kAccPropServicesInterface, &service))) {
-      accessibleNames_ = service;
-    }
-  }
-
-  font_.Reset(MakeVerdana(8, false, false));
 
   const int width = ToPixels(form_.Width);
   const int height = ToPixels(form_.Height);
   const int left = (::GetSystemMetrics(SM_CXSCREEN) - width) / 2;
   const int top = (::GetSystemMetrics(SM_CYSCREEN) - height) / 2;
-  HWND window = ::CreateWindowExA(WS_EX_APPWINDOW, kMainWindowClass, form_.Caption.c_str(),
-                                  WS_POPUP | WS_CLIPCHILDREN | WS_SYSMENU | WS_MINIMIZEBOX, left,
-                                  top, width, height, nullptr, nullptr, instance_, this);
-  if (window == nullptr) throw SystemFailure("The main window was refused");
-  window_ = window;
+  HWND window = MakeTopWindow({.className = kMainWindowClass,
+                               .caption = form_.Caption.c_str(),
+                               .style = WS_POPUP | WS_CLIPCHILDREN | WS_SYSMENU | WS_MINIMIZEBOX,
+                               .extendedStyle = WS_EX_APPWINDOW,
+                               .frame = {left, top, left + width, top + height}},
+                              "The main window was refused");
   ::SendMessageA(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_));
   ::SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_));
   form_.hWnd = ToHandleValue(window);
   form_.Icon = ToHandleValue(icon_);
 
-  for (Control* control : form_.Controls()) Bind(*control);
-  for (auto& bound : bound_) bound->control->Observe(this);
+  BindAll(form_.Controls());
   Flush();
   // The form's timer runs on the window from its creation to its end.
   if (form_.Timer1.Enabled() && form_.Timer1.Interval > 0) {
@@ -303,187 +182,81 @@ void FormWindow::Create() {
   }
 }
 
-BoundControl& FormWindow::Bind(Control& control) {
-  if (auto found = byControl_.find(&control); found != byControl_.end()) return *found->second;
-  if (control.Container != nullptr && control.Container != &control) Bind(*control.Container);
-  auto bound = std::make_unique<BoundControl>();
-  bound->control = &control;
-  bound->kind = KindOf(control);
-  bound->owner = this;
-  BoundControl& result = *bound;
-  bound_.push_back(std::move(bound));
+std::unique_ptr<BoundWindow> FormWindow::NewBound(Control& control) {
+  return std::make_unique<BoundControl>(KindOf(control));
+}
+
+void FormWindow::MakeWindow(BoundWindow& record) {
+  BoundControl& bound = Of(record);
+  Control& control = *bound.control;
   // A picture box draws on a memory image of its size; the window shows that image.
   if (auto* box = dynamic_cast<PictureBox*>(&control)) {
     box->UseSurface(std::make_shared<MemorySurface>());
   }
-  byControl_[&control] = &result;
-  MakeWindow(result);
-  return result;
-}
-
-void FormWindow::MakeWindow(BoundControl& bound) {
-  Control& control = *bound.control;
-  HWND parent = window_;
-  if (control.Container != nullptr) {
-    if (auto found = byControl_.find(control.Container);
-        found != byControl_.end() && found->second->window != nullptr) {
-      parent = found->second->window;
-    }
-  }
-  const std::string name = SystemNameOf(control);
-  const int x = ToPixels(control.Left());
-  const int y = ToPixels(control.Top());
-  const int width = std::max(0, ToPixels(control.Width()));
-  const int height = std::max(0, ToPixels(control.Height()));
-  const DWORD visible = control.Visible() ? WS_VISIBLE : 0;
-  const DWORD child = WS_CHILD | WS_CLIPSIBLINGS | visible;
-  HWND window = nullptr;
   switch (bound.kind) {
     case Kind::Plain:
     case Kind::Picture:
-      window = ::CreateWindowExA(0, kPictureClass, name.c_str(), child | WS_CLIPCHILDREN, x, y,
-                                 width, height, parent, nullptr, instance_, &bound);
+      MakeChild(bound, {.className = kPictureClass, .style = WS_CLIPCHILDREN, .ownClass = true});
       break;
     case Kind::Label:
-      window = ::CreateWindowExA(0, kLabelClass, name.c_str(), child, x, y, width, height, parent,
-                                 nullptr, instance_, &bound);
+      MakeChild(bound, {.className = kLabelClass, .ownClass = true});
       break;
     case Kind::Tree:
-      window = ::CreateWindowExA(WS_EX_CLIENTEDGE, WC_TREEVIEWA, name.c_str(),
-                                 child | WS_TABSTOP | TVS_SHOWSELALWAYS, x, y, width, height,
-                                 parent, nullptr, instance_, nullptr);
+      MakeChild(bound, {.className = WC_TREEVIEWA, .style = WS_TABSTOP | TVS_SHOWSELALWAYS,
+                        .extendedStyle = WS_EX_CLIENTEDGE});
+      UseCaptionFont(bound.window);
       break;
     case Kind::Check:
-      window = ::CreateWindowExA(0, "BUTTON",
-                                 static_cast<CheckBox&>(control).Caption().c_str(),
-                                 child | WS_TABSTOP | BS_AUTOCHECKBOX, x, y, width, height, parent,
-                                 nullptr, instance_, nullptr);
+      MakeButton(bound, BS_AUTOCHECKBOX);
       break;
     case Kind::Slider:
-      window = ::CreateWindowExA(0, TRACKBAR_CLASSA, name.c_str(),
-                                 child | WS_TABSTOP | TBS_HORZ | TBS_AUTOTICKS, x, y, width,
-                                 height, parent, nullptr, instance_, nullptr);
+      MakeChild(bound, {.className = TRACKBAR_CLASSA,
+                        .style = WS_TABSTOP | TBS_HORZ | TBS_AUTOTICKS});
+      UseCaptionFont(bound.window);
       break;
     case Kind::Spin:
-      window = ::CreateWindowExA(WS_EX_CONTROLPARENT, kSpinClass, name.c_str(),
-                                 child | WS_CLIPCHILDREN, x, y, width, height, parent, nullptr,
-                                 instance_, &bound);
+      MakeSpinEdit(bound, kSpinClass);
       break;
   }
-  if (window == nullptr) throw SystemFailure("The window of " + name + " was refused");
-  bound.window = window;
-  byWindow_[window] = &bound;
-  control.hWnd = ToHandleValue(window);
-
-  switch (bound.kind) {
-    case Kind::Tree:
-    case Kind::Check:
-    case Kind::Slider:
-      ::SetWindowSubclass(window, &FormWindow::SubclassProcedure, 1,
-                          reinterpret_cast<DWORD_PTR>(&bound));
-      ::SendMessageA(window, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
-      break;
-    case Kind::Spin: {
-      const int arrows = ::GetSystemMetrics(SM_CXVSCROLL);
-      bound.edit = ::CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "",
-                                     WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, 0, 0,
-                                     std::max(0, width - arrows), height, window, nullptr,
-                                     instance_, nullptr);
-      bound.upDown = ::CreateWindowExA(
-          0, UPDOWN_CLASSA, "", WS_CHILD | WS_VISIBLE | UDS_SETBUDDYINT | UDS_ARROWKEYS |
-                                    UDS_NOTHOUSANDS,
-          std::max(0, width - arrows), 0, arrows, height, window, nullptr, instance_, nullptr);
-      if (bound.edit == nullptr || bound.upDown == nullptr) {
-        throw SystemFailure("The parts of " + name + " were refused");
-      }
-      byWindow_[bound.edit] = &bound;
-      byWindow_[bound.upDown] = &bound;
-      ::SendMessageA(bound.edit, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
-      ::SendMessageA(bound.upDown, UDM_SETBUDDY, reinterpret_cast<WPARAM>(bound.edit), 0);
-      break;
-    }
-    default:
-      break;
+  // The system's controls tell the form about the mouse as the program's own windows do.
+  if (bound.kind == Kind::Tree || bound.kind == Kind::Check || bound.kind == Kind::Slider) {
+    ::SetWindowSubclass(bound.window, &FormWindow::SubclassProcedure, 1,
+                        reinterpret_cast<DWORD_PTR>(&bound));
   }
-  Annotate(window, name);
-
   if (bound.kind == Kind::Tree) {
-    UseImages(bound);
-    SyncNodes(bound);
+    ApplyImages(bound);
+    ApplyNodes(bound);
   }
   ApplyValue(bound);
   ApplyEnabled(bound);
 }
 
-void FormWindow::Annotate(HWND window, const std::string& name) {
-  if (accessibleNames_ == nullptr) return;
-  const std::wstring wide = Widen(name);
-  static_cast<IAccPropServices*>(accessibleNames_)
-      ->SetHwndPropStr(window, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF, kAccNameProperty,
-                       wide.c_str());
-}
-
-void FormWindow::Forget(HWND window) {
-  auto found = byWindow_.find(window);
-  if (found == byWindow_.end()) return;
-  BoundControl& bound = *found->second;
-  byWindow_.erase(found);
-  if (bound.window == window) {
-    if (accessibleNames_ != nullptr) {
-      MSAAPROPID name = kAccNameProperty;
-      static_cast<IAccPropServices*>(accessibleNames_)
-          ->ClearHwndProps(window, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF, &name, 1);
-    }
-    bound.window = nullptr;
-    bound.items.clear();
-    bound.mirror.clear();
-    bound.control->hWnd = 0;
-  } else if (bound.edit == window) {
-    bound.edit = nullptr;
-  } else if (bound.upDown == window) {
-    bound.upDown = nullptr;
-  }
-}
-
-HWND FormWindow::WindowOf(const Control& control) const {
-  const auto found = byControl_.find(&control);
-  return found == byControl_.end() ? nullptr : found->second->window;
-}
-
-HWND FormWindow::Find(std::string_view systemName) const {
-  std::string name;
-  std::int32_t index = -1;
-  if (!ParseSystemName(systemName, name, index)) return nullptr;
-  Control* control = form_.FindControl(name, index);
-  return control == nullptr ? nullptr : WindowOf(*control);
-}
-
 void FormWindow::Show() {
   Create();
   Flush();
-  ::ShowWindow(window_, SW_SHOW);
+  ::ShowWindow(Handle(), SW_SHOW);
   form_.Visible = true;
-  ::RedrawWindow(window_, nullptr, nullptr,
+  ::RedrawWindow(Handle(), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
 }
 
 void FormWindow::Hide() {
-  if (window_ != nullptr) ::ShowWindow(window_, SW_HIDE);
+  if (Handle() != nullptr) ::ShowWindow(Handle(), SW_HIDE);
   form_.Visible = false;
 }
 
 void FormWindow::ApplyFormVisible() {
-  if (window_ == nullptr) return;
-  const bool shown = ::IsWindowVisible(window_) != 0;
+  if (Handle() == nullptr) return;
+  const bool shown = ::IsWindowVisible(Handle()) != 0;
   if (form_.Visible && !shown) {
-    ::ShowWindow(window_, SW_SHOW);
+    ::ShowWindow(Handle(), SW_SHOW);
   } else if (!form_.Visible && shown) {
-    ::ShowWindow(window_, SW_HIDE);
+    ::ShowWindow(Handle(), SW_HIDE);
   }
 }
 
 void FormWindow::Destroy() {
-  if (window_ != nullptr) ::DestroyWindow(window_);
+  if (Handle() != nullptr) ::DestroyWindow(Handle());
 }
 
 void FormWindow::RequestUnload(std::int16_t mode) {
@@ -498,88 +271,19 @@ void FormWindow::RequestUnload(std::int16_t mode) {
 
 // --- the model's changes ----------------------------------------------------------------------
 
-void FormWindow::Changed(Control& control, Property property) {
-  const auto found = byControl_.find(&control);
-  if (found == byControl_.end()) return;
-  BoundControl& bound = *found->second;
-  if (bound.window == nullptr) return;
-  switch (property) {
-    case Property::Visible:
-      ApplyVisible(bound);
-      break;
-    case Property::Enabled:
-      ApplyEnabled(bound);
-      break;
-    case Property::Position:
-      Place(bound);
-      break;
-    case Property::Caption:
-      if (bound.kind == Kind::Check) {
-        ::SetWindowTextA(bound.window, static_cast<CheckBox&>(control).Caption().c_str());
-      }
-      Repaint(bound);
-      break;
-    case Property::Picture:
-      bound.showsDrawn = false;
-      Repaint(bound);
-      break;
-    case Property::Image:
-      bound.showsDrawn = true;
-      Repaint(bound);
-      break;
-    case Property::Value:
-      ApplyValue(bound);
-      break;
-    case Property::Nodes:
-      if (bound.kind == Kind::Tree) SyncNodes(bound);
-      break;
-    case Property::NodeState:
-      if (bound.kind == Kind::Tree) ScheduleNodeStates(bound);
-      break;
-    case Property::Images:
-      if (bound.kind == Kind::Tree) UseImages(bound);
-      break;
-    case Property::Tag:
-      break;
-  }
-}
-
-void FormWindow::ApplyVisible(BoundControl& bound) {
-  const bool visible = bound.control->Visible();
-  if ((::IsWindowVisible(bound.window) != 0) == visible &&
-      ((::GetWindowLongPtrA(bound.window, GWL_STYLE) & WS_VISIBLE) != 0) == visible) {
-    return;
-  }
-  ::ShowWindow(bound.window, visible ? SW_SHOWNA : SW_HIDE);
-}
-
-void FormWindow::ApplyEnabled(BoundControl& bound) {
-  const BOOL enabled = bound.control->Enabled() ? TRUE : FALSE;
-  ::EnableWindow(bound.window, enabled);
-  if (bound.edit != nullptr) ::EnableWindow(bound.edit, enabled);
-  if (bound.upDown != nullptr) ::EnableWindow(bound.upDown, enabled);
+void FormWindow::ApplyEnabled(BoundWindow& record) {
+  BoundControl& bound = Of(record);
+  EnableWindows(bound);
   if (bound.kind == Kind::Label || bound.kind == Kind::Picture) Repaint(bound);
 }
 
-void FormWindow::Place(BoundControl& bound) {
-  Control& control = *bound.control;
-  HWND parent = window_;
-  if (control.Container != nullptr) {
-    if (HWND container = WindowOf(*control.Container); container != nullptr) parent = container;
-  }
-  if (::GetParent(bound.window) != parent) ::SetParent(bound.window, parent);
-  const int width = std::max(0, ToPixels(control.Width()));
-  const int height = std::max(0, ToPixels(control.Height()));
-  ::SetWindowPos(bound.window, nullptr, ToPixels(control.Left()), ToPixels(control.Top()), width,
-                 height, SWP_NOZORDER | SWP_NOACTIVATE);
-  if (bound.kind == Kind::Spin && bound.edit != nullptr && bound.upDown != nullptr) {
-    const int arrows = ::GetSystemMetrics(SM_CXVSCROLL);
-    ::MoveWindow(bound.edit, 0, 0, std::max(0, width - arrows), height, TRUE);
-    ::MoveWindow(bound.upDown, std::max(0, width - arrows), 0, arrows, height, TRUE);
-  }
+void FormWindow::ApplyPicture(BoundWindow& record, Property which) {
+  BoundControl& bound = Of(record);
+  bound.showsDrawn = which == Property::Image;
+  Repaint(bound);
 }
 
-void FormWindow::Repaint(BoundControl& bound) {
+void FormWindow::Repaint(BoundWindow& bound) {
   // A window that is not on the screen is painted whole when it comes; until then there is
   // nothing to draw again. (While the form loads hidden, that saves a request per change.)
   if (::IsWindowVisible(bound.window) == 0) return;
@@ -587,8 +291,9 @@ void FormWindow::Repaint(BoundControl& bound) {
   ::RedrawWindow(bound.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void FormWindow::ApplyValue(BoundControl& bound) {
-  Applying applying(applying_);
+void FormWindow::ApplyValue(BoundWindow& record) {
+  BoundControl& bound = Of(record);
+  Applying applying(*this);
   switch (bound.kind) {
     case Kind::Check: {
       const auto& check = static_cast<CheckBox&>(*bound.control);
@@ -625,17 +330,9 @@ void FormWindow::ApplyValue(BoundControl& bound) {
 
 // --- painting ---------------------------------------------------------------------------------
 
-HBRUSH FormWindow::BrushOf(std::uint32_t color) {
-  auto found = brushes_.find(color);
-  if (found == brushes_.end()) {
-    found = brushes_.emplace(color, UniqueBrush(::CreateSolidBrush(color & 0xFFFFFFu))).first;
-  }
-  return found->second.Get();
-}
-
 HFONT FormWindow::FontOf(const Label& label) {
   const int points = label.FontSize() > 0 ? label.FontSize() : 8;
-  if (points == 8 && !label.FontBold() && !label.FontUnderline()) return font_.Get();
+  if (points == 8 && !label.FontBold() && !label.FontUnderline()) return CaptionFont();
   const std::uint32_t key = static_cast<std::uint32_t>(points) << 2 |
                             (label.FontBold() ? 2u : 0u) | (label.FontUnderline() ? 1u : 0u);
   auto found = labelFonts_.find(key);
@@ -645,12 +342,12 @@ HFONT FormWindow::FontOf(const Label& label) {
                                                      label.FontUnderline())))
                 .first;
   }
-  return found->second ? found->second.Get() : font_.Get();
+  return found->second ? found->second.Get() : CaptionFont();
 }
 
 void FormWindow::PaintFormBackground(HDC dc) {
   RECT area{};
-  ::GetClientRect(window_, &area);
+  ::GetClientRect(Handle(), &area);
   const Pixels& picture = form_.Picture;
   if (picture.Empty()) {
     ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
@@ -702,39 +399,12 @@ void FormWindow::PaintLabel(BoundControl& bound, HWND window, HDC dc) {
   const auto& label = static_cast<Label&>(*bound.control);
   RECT area{};
   ::GetClientRect(window, &area);
-  HGDIOBJ oldFont = ::SelectObject(dc, FontOf(label));
-  ::SetBkMode(dc, TRANSPARENT);
-  ::SetTextColor(dc, label.Enabled() ? label.ForeColor() & 0xFFFFFFu
-                                     : ::GetSysColor(COLOR_GRAYTEXT));
-  std::string caption = label.Caption();
-  ::DrawTextA(dc, caption.data(), static_cast<int>(caption.size()), &area,
-              DT_LEFT | DT_TOP | DT_WORDBREAK | DT_NOPREFIX);
-  ::SelectObject(dc, oldFont);
+  DrawLabelCaption(dc, label, FontOf(label), area);
 }
 
 // --- window procedures ------------------------------------------------------------------------
 
-LRESULT CALLBACK FormWindow::TopProcedure(HWND window, UINT message, WPARAM wParam,
-                                          LPARAM lParam) {
-  if (message == WM_NCCREATE) {
-    const auto* creation = reinterpret_cast<const CREATESTRUCTA*>(lParam);
-    ::SetWindowLongPtrA(window, GWLP_USERDATA,
-                        reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
-  }
-  auto* self = reinterpret_cast<FormWindow*>(::GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (self == nullptr) return ::DefWindowProcA(window, message, wParam, lParam);
-  return self->TopMessage(window, message, wParam, lParam);
-}
-
 LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == findMessage_ && findMessage_ != 0) {
-    char name[256] = {};
-    const UINT length =
-        ::GlobalGetAtomNameA(static_cast<ATOM>(wParam), name, static_cast<int>(sizeof name));
-    if (length == 0) return 0;
-    Flush();  // whoever looks from outside sees the trees as the model has them
-    return reinterpret_cast<LRESULT>(Find(std::string_view(name, length)));
-  }
   if (message == syncMessage_ && syncMessage_ != 0) {
     syncPosted_ = false;
     Flush();
@@ -746,8 +416,6 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       return 0;
     }
   }
-  LRESULT result = 0;
-  if (ControlNotification(message, wParam, lParam, result)) return result;
   if (Mouse(nullptr, formPressed_, window, message, wParam, lParam)) return 0;
   switch (message) {
     case WM_PAINT: {
@@ -791,38 +459,19 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       form_.Visible = false;
       if (Unloaded) Run(Unloaded);
       return 0;
-    case WM_NCDESTROY:
-      ::SetWindowLongPtrA(window, GWLP_USERDATA, 0);
-      window_ = nullptr;
-      return ::DefWindowProcA(window, message, wParam, lParam);
     default:
       return ::DefWindowProcA(window, message, wParam, lParam);
   }
 }
 
-LRESULT CALLBACK FormWindow::ChildProcedure(HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam) {
-  if (message == WM_NCCREATE) {
-    const auto* creation = reinterpret_cast<const CREATESTRUCTA*>(lParam);
-    ::SetWindowLongPtrA(window, GWLP_USERDATA,
-                        reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
-  }
-  auto* bound = reinterpret_cast<BoundControl*>(::GetWindowLongPtrA(window, GWLP_USERDATA));
-  if (bound == nullptr) return ::DefWindowProcA(window, message, wParam, lParam);
-  return bound->owner->ChildMessage(*bound, window, message, wParam, lParam);
-}
-
-LRESULT FormWindow::ChildMessage(BoundControl& bound, HWND window, UINT message, WPARAM wParam,
-                                 LPARAM lParam) {
-  LRESULT result = 0;
-  if (ControlNotification(message, wParam, lParam, result)) return result;
+LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, WPARAM wParam,
+                                LPARAM lParam) {
+  BoundControl& bound = Of(record);
   if (bound.kind != Kind::Spin &&
       Mouse(bound.control, bound.pressed, window, message, wParam, lParam)) {
     return 0;
   }
   switch (message) {
-    case WM_ERASEBKGND:
-      return 1;  // painting covers the whole window
     case WM_PAINT:
       if (bound.kind == Kind::Label) {
         PaintBuffered(window, [&](HDC dc) { PaintLabel(bound, window, dc); });
@@ -851,13 +500,6 @@ LRESULT FormWindow::ChildMessage(BoundControl& bound, HWND window, UINT message,
       ::SetBkColor(reinterpret_cast<HDC>(wParam), color);
       return reinterpret_cast<LRESULT>(BrushOf(color));
     }
-    case WM_SETFOCUS:
-      if (bound.kind == Kind::Spin && bound.edit != nullptr) ::SetFocus(bound.edit);
-      return 0;
-    case WM_NCDESTROY:
-      Forget(window);
-      ::SetWindowLongPtrA(window, GWLP_USERDATA, 0);
-      return ::DefWindowProcA(window, message, wParam, lParam);
     default:
       return ::DefWindowProcA(window, message, wParam, lParam);
   }
@@ -866,7 +508,7 @@ LRESULT FormWindow::ChildMessage(BoundControl& bound, HWND window, UINT message,
 LRESULT CALLBACK FormWindow::SubclassProcedure(HWND window, UINT message, WPARAM wParam,
                                                LPARAM lParam, UINT_PTR /*id*/, DWORD_PTR data) {
   auto* bound = reinterpret_cast<BoundControl*>(data);
-  FormWindow& self = *bound->owner;
+  auto& self = static_cast<FormWindow&>(*bound->binding);
   Control& control = *bound->control;
   switch (message) {
     case WM_MOUSEMOVE:
@@ -961,68 +603,44 @@ bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT messag
   }
 }
 
-bool FormWindow::ControlNotification(UINT message, WPARAM wParam, LPARAM lParam,
-                                     LRESULT& result) {
-  switch (message) {
-    case WM_NOTIFY: {
-      const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-      if (header == nullptr) return false;
-      const auto found = byWindow_.find(header->hwndFrom);
-      if (found == byWindow_.end() || found->second->kind != Kind::Tree) return false;
-      TreeNotification(*found->second, *header, lParam);
-      result = 0;
-      return true;
-    }
-    case WM_COMMAND: {
-      const auto found = byWindow_.find(reinterpret_cast<HWND>(lParam));
-      if (lParam == 0 || found == byWindow_.end()) return false;
-      BoundControl& bound = *found->second;
-      const UINT code = HIWORD(wParam);
-      if (bound.kind == Kind::Check && code == BN_CLICKED && applying_ == 0) {
-        const LRESULT state = ::SendMessageA(bound.window, BM_GETCHECK, 0, 0);
-        auto& check = static_cast<CheckBox&>(*bound.control);
-        Run([&] { check.Value(static_cast<std::int16_t>(state == BST_CHECKED ? 1 : 0)); });
-      } else if (bound.kind == Kind::Spin && code == EN_CHANGE && applying_ == 0) {
-        SpinEdited(bound);
-      }
-      result = 0;
-      return true;
-    }
-    case WM_HSCROLL:
-    case WM_VSCROLL: {
-      const auto found = byWindow_.find(reinterpret_cast<HWND>(lParam));
-      if (lParam == 0 || found == byWindow_.end()) return false;
-      BoundControl& bound = *found->second;
-      if (bound.kind == Kind::Slider && applying_ == 0) {
-        auto& slider = static_cast<ValueControl&>(*bound.control);
-        const auto position =
-            static_cast<std::int32_t>(::SendMessageA(bound.window, TBM_GETPOS, 0, 0));
-        if (position != slider.Value()) Run([&] { slider.Value(position); });
-      }
-      result = 0;
-      return true;
-    }
-    default:
-      return false;
+void FormWindow::Command(BoundWindow& sender, UINT code) {
+  BoundControl& bound = Of(sender);
+  if (bound.kind == Kind::Check && code == BN_CLICKED) {
+    const LRESULT state = ::SendMessageA(bound.window, BM_GETCHECK, 0, 0);
+    auto& check = static_cast<CheckBox&>(*bound.control);
+    Run([&] { check.Value(static_cast<std::int16_t>(state == BST_CHECKED ? 1 : 0)); });
+  } else if (bound.kind == Kind::Spin && code == EN_CHANGE) {
+    SpinEdited(bound);
   }
 }
 
+bool FormWindow::ControlMessage(BoundWindow& sender, UINT message, WPARAM /*wParam*/,
+                                LRESULT& result) {
+  if (message != WM_HSCROLL && message != WM_VSCROLL) return false;
+  BoundControl& bound = Of(sender);
+  if (bound.kind == Kind::Slider && !IsApplying()) {
+    auto& slider = static_cast<ValueControl&>(*bound.control);
+    const auto position =
+        static_cast<std::int32_t>(::SendMessageA(bound.window, TBM_GETPOS, 0, 0));
+    if (position != slider.Value()) Run([&] { slider.Value(position); });
+  }
+  result = 0;
+  return true;
+}
+
 void FormWindow::SpinEdited(BoundControl& bound) {
-  if (bound.edit == nullptr) return;
-  char text[32] = {};
-  const int length = ::GetWindowTextA(bound.edit, text, static_cast<int>(sizeof text));
   std::int32_t value = 0;
-  const char* end = text + std::max(0, length);
-  const auto [stop, error] = std::from_chars(text, end, value);
+  const bool number = ReadSpinNumber(bound, value);
   auto& spin = static_cast<ValueControl&>(*bound.control);
   // Text that is no number, or a number out of range, waits for the user to finish typing.
-  if (error != std::errc() || stop != end || value < spin.Min || value > spin.Max) return;
+  if (!number || value < spin.Min || value > spin.Max) return;
   if (value != spin.Value()) Run([&] { spin.Value(value); });
 }
 
 // --- tree views -------------------------------------------------------------------------------
 
-void FormWindow::UseImages(BoundControl& bound) {
+void FormWindow::ApplyImages(BoundWindow& record) {
+  BoundControl& bound = Of(record);
   auto& tree = static_cast<TreeView&>(*bound.control);
   bound.images = nullptr;
   if (tree.Images != nullptr) {
@@ -1073,7 +691,8 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
     }
     list.count = count;
   }
-  for (auto& bound : bound_) {
+  for (const auto& record : Records()) {
+    auto* bound = static_cast<BoundControl*>(record.get());
     if (bound->images != &list || bound->window == nullptr) continue;
     if (remade) {
       ::SendMessageA(bound->window, TVM_SETIMAGELIST, TVSIL_NORMAL,
@@ -1083,13 +702,13 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
   }
 }
 
-void FormWindow::SyncNodes(BoundControl& bound) {
+void FormWindow::ApplyNodes(BoundWindow& record) {
+  BoundControl& bound = Of(record);
   auto& tree = static_cast<TreeView&>(*bound.control);
   const auto count = static_cast<std::size_t>(tree.Count());
-  Applying applying(applying_);
+  Applying applying(*this);
   if (count < bound.items.size()) {
-    ::SendMessageA(bound.window, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
-    bound.items.clear();
+    ClearTree(bound);
     bound.mirror.clear();
   }
   const bool added = bound.items.size() < count;
@@ -1097,7 +716,7 @@ void FormWindow::SyncNodes(BoundControl& bound) {
     InsertNode(bound, static_cast<std::int32_t>(bound.items.size()) + 1);
   }
   // Expansion and selection need the nodes in place; they follow together.
-  if (added || count == 0 || tree.SelectedItem() != 0) ScheduleNodeStates(bound);
+  if (added || count == 0 || tree.SelectedItem() != 0) ApplyNodeStates(bound);
 }
 
 void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
@@ -1109,23 +728,13 @@ void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
                         style | TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT);
     bound.hasLines = true;
   }
-  TVINSERTSTRUCTA insert{};
-  insert.hParent = TVI_ROOT;
-  if (node.Parent > 0 && static_cast<std::size_t>(node.Parent) <= bound.items.size()) {
-    insert.hParent = bound.items[static_cast<std::size_t>(node.Parent) - 1];
-  }
-  insert.hInsertAfter = TVI_LAST;
-  std::string text = node.Text;
-  insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM | TVIF_STATE;
-  insert.item.pszText = text.data();
-  insert.item.iImage = ImageIndexOf(node.Image);
-  insert.item.iSelectedImage = ImageIndexOf(node.SelectedImage);
-  insert.item.lParam = position;
-  insert.item.state = node.Bold ? TVIS_BOLD : 0;
-  insert.item.stateMask = TVIS_BOLD;
-  auto item = reinterpret_cast<HTREEITEM>(
-      ::SendMessageA(bound.window, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert)));
-  bound.items.push_back(item);
+  TVITEMA item{};
+  item.mask = TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE;
+  item.iImage = ImageIndexOf(node.Image);
+  item.iSelectedImage = ImageIndexOf(node.SelectedImage);
+  item.state = node.Bold ? TVIS_BOLD : 0;
+  item.stateMask = TVIS_BOLD;
+  AddTreeItem(bound, node, item);
   NodeMirror mirror;
   mirror.text = node.Text;
   mirror.image = node.Image;
@@ -1134,13 +743,14 @@ void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
   bound.mirror.push_back(std::move(mirror));
 }
 
-void FormWindow::ScheduleNodeStates(BoundControl& bound) {
+void FormWindow::ApplyNodeStates(BoundWindow& record) {
+  BoundControl& bound = Of(record);
   if (!bound.statePending) {
     bound.statePending = true;
     pendingStates_.push_back(&bound);
   }
-  if (!syncPosted_ && window_ != nullptr && syncMessage_ != 0) {
-    syncPosted_ = ::PostMessageA(window_, syncMessage_, 0, 0) != 0;
+  if (!syncPosted_ && Handle() != nullptr && syncMessage_ != 0) {
+    syncPosted_ = ::PostMessageA(Handle(), syncMessage_, 0, 0) != 0;
   }
 }
 
@@ -1155,9 +765,8 @@ void FormWindow::Flush() {
 
 void FormWindow::SyncNodeStates(BoundControl& bound) {
   auto& tree = static_cast<TreeView&>(*bound.control);
-  Applying applying(applying_);
-  const std::size_t count =
-      std::min(bound.items.size(), static_cast<std::size_t>(std::max(0, tree.Count())));
+  Applying applying(*this);
+  const std::size_t count = NodesShown(bound, tree);
   for (std::size_t i = 0; i < count; ++i) {
     const Node& node = tree.Item(static_cast<std::int32_t>(i) + 1);
     NodeMirror& shown = bound.mirror[i];
@@ -1189,51 +798,20 @@ void FormWindow::SyncNodeStates(BoundControl& bound) {
       shown.expanded = (state & TVIS_EXPANDED) != 0;
     }
   }
-  const std::int32_t selected = tree.SelectedItem();
-  HTREEITEM wanted = nullptr;
-  if (selected >= 1 && static_cast<std::size_t>(selected) <= bound.items.size()) {
-    wanted = bound.items[static_cast<std::size_t>(selected) - 1];
-  }
-  const auto current = reinterpret_cast<HTREEITEM>(
-      ::SendMessageA(bound.window, TVM_GETNEXTITEM, TVGN_CARET, 0));
-  if (current != wanted) {
-    ::SendMessageA(bound.window, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(wanted));
-  }
+  ShowSelectedNode(bound, tree.SelectedItem());
 }
 
-std::int32_t FormWindow::PositionOfItem(BoundControl& bound, HTREEITEM item) {
-  if (item == nullptr) return 0;
-  TVITEMA query{};
-  query.mask = TVIF_HANDLE | TVIF_PARAM;
-  query.hItem = item;
-  if (::SendMessageA(bound.window, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&query)) == 0) {
-    return 0;
-  }
-  const auto position = static_cast<std::int32_t>(query.lParam);
-  const bool known = position >= 1 && static_cast<std::size_t>(position) <= bound.items.size() &&
-                     bound.items[static_cast<std::size_t>(position) - 1] == item;
-  return known ? position : 0;
-}
-
-void FormWindow::TreeNotification(BoundControl& bound, const NMHDR& header, LPARAM lParam) {
+void FormWindow::TreeNotification(BoundWindow& record, const NMHDR& header, LPARAM lParam) {
+  BoundControl& bound = Of(record);
   auto& tree = static_cast<TreeView&>(*bound.control);
   switch (header.code) {
     case NM_CLICK: {
       // The click comes before the tree view moves its selection: the node under the pointer
       // is selected in the model first, so that Click reads it. The point is where the button
       // went down, which the tree view's own processing of the press is about.
-      TVHITTESTINFO hit{};
-      hit.pt = bound.lastPress;
-      if (hit.pt.x < 0 && hit.pt.y < 0) {
-        const DWORD at = ::GetMessagePos();
-        hit.pt = POINT{GET_X_LPARAM(at), GET_Y_LPARAM(at)};
-        ::ScreenToClient(bound.window, &hit.pt);
-      }
-      ::SendMessageA(bound.window, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-      if (hit.hItem != nullptr && (hit.flags & TVHT_ONITEM) != 0) {
-        const std::int32_t position = PositionOfItem(bound, hit.hItem);
-        if (position != 0 && position != tree.SelectedItem()) Run([&] { tree.Select(position); });
-      }
+      const bool pressed = bound.lastPress.x >= 0 || bound.lastPress.y >= 0;
+      const POINT at = pressed ? bound.lastPress : MessagePointIn(bound.window);
+      SelectNodeHit(bound, HitTestTree(bound.window, at));
       Run(tree.Click);
       break;
     }
@@ -1241,16 +819,10 @@ void FormWindow::TreeNotification(BoundControl& bound, const NMHDR& header, LPAR
       Run(tree.DblClick);
       break;
     case TVN_SELCHANGEDA:
-    case TVN_SELCHANGEDW: {
-      if (applying_ != 0) break;
-      const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);
-      if (change.action != TVC_BYMOUSE && change.action != TVC_BYKEYBOARD) break;
-      const std::int32_t position = PositionOfItem(bound, change.itemNew.hItem);
-      if (position != 0 && position != tree.SelectedItem()) Run([&] { tree.Select(position); });
+    case TVN_SELCHANGEDW:
       // A mouse click runs Click through NM_CLICK; the keyboard has no other way.
-      if (change.action == TVC_BYKEYBOARD) Run(tree.Click);
+      if (FollowTreeSelection(bound, lParam) == TVC_BYKEYBOARD) Run(tree.Click);
       break;
-    }
     case TVN_ITEMEXPANDEDA:
     case TVN_ITEMEXPANDEDW: {
       const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);

@@ -22,20 +22,20 @@
 // except where the window shows its text (the check box shows its caption); the system name is
 // also given as its accessible name where the platform takes such annotations. The top-level
 // window answers the registered message "Quorvane.FindControl" (wParam: a global atom of the
-// system name) with the control's window, 0 if there is none.
+// system name) with the control's window, 0 if there is none. What every form's binding does
+// alike is ControlBinding's.
 #include <windows.h>
 
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
-#include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "ui/Controls.h"
+#include "ui/win32/ControlBinding.h"
 #include "ui/win32/Handles.h"
 
 namespace quorvane {
@@ -45,7 +45,6 @@ class FrmMain;
 namespace quorvane::ui::win32 {
 
 inline constexpr const char* kMainWindowClass = "QuorvaneMain";
-inline constexpr const char* kFindControlMessage = "Quorvane.FindControl";
 
 // Unload modes: why the window is asked to close.
 inline constexpr std::int16_t kUnloadFromMenu = 0;         // system menu, Alt+F4, WM_CLOSE
@@ -53,16 +52,10 @@ inline constexpr std::int16_t kUnloadFromCode = 1;         // the program's own 
 inline constexpr std::int16_t kUnloadAtSessionEnd = 2;     // log-off or shutdown
 inline constexpr std::int16_t kUnloadFromTaskManager = 3;  // the task manager
 
-// "TvDesktop" for a control, "CmdMenu(2)" for an element of a control array.
-std::string SystemNameOf(const Control& control);
-// Splits a system name into the control's name and the element's index, -1 for a control that
-// is no element. False for a text that is not a system name.
-bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index);
-
 struct BoundControl;
 struct BoundImageList;
 
-class FormWindow final : private ControlObserver {
+class FormWindow final : public ControlBinding {
  public:
   FormWindow(FrmMain& form, HINSTANCE instance, HICON icon, HICON smallIcon);
   ~FormWindow() override;
@@ -73,8 +66,7 @@ class FormWindow final : private ControlObserver {
   // controls that are visible in a hidden top-level window. Throws std::runtime_error when the
   // system refuses a window; a second call does nothing.
   void Create();
-  bool IsCreated() const { return window_ != nullptr; }
-  HWND Handle() const { return window_; }
+  bool IsCreated() const { return Handle() != nullptr; }
 
   // Shows the top-level window and paints it with all its children before returning.
   void Show();
@@ -86,12 +78,7 @@ class FormWindow final : private ControlObserver {
   void ApplyFormVisible();
   // Brings the tree views' node states (text, images, bold, expansion, selection) up to the
   // model now; otherwise they follow once the program reaches its message loop.
-  void Flush();
-
-  // The window of a control of the form; 0 before Create and for a control it does not know.
-  HWND WindowOf(const Control& control) const;
-  // The window of the control of that system name ("Name" or "Name(i)"); 0 if none.
-  HWND Find(std::string_view systemName) const;
+  void Flush() override;
 
   // Events of the form's own surface, in the model's terms (button, shift, x and y in twips).
   std::function<void(std::int16_t, std::int16_t, float, float)> MouseDown;
@@ -102,89 +89,68 @@ class FormWindow final : private ControlObserver {
   std::function<bool(std::int16_t unloadMode)> QueryUnload;
   // The top-level window is gone.
   std::function<void()> Unloaded;
-  // A failure that came out of a handler. The message loop goes on.
-  std::function<void(const std::exception& failure)> Failed;
-
   // Runs `handler` when the top-level window receives the registered message `name`, from this
   // process or another one.
   void OnRegisteredMessage(const char* name, std::function<void()> handler);
 
  private:
-  // ControlObserver
-  void Changed(Control& control, Property property) override;
-
-  static LRESULT CALLBACK TopProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK ChildProcedure(HWND window, UINT message, WPARAM wParam,
-                                         LPARAM lParam);
-  static LRESULT CALLBACK SubclassProcedure(HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam, UINT_PTR id, DWORD_PTR data);
-
-  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT ChildMessage(BoundControl& bound, HWND window, UINT message, WPARAM wParam,
-                       LPARAM lParam);
-  // WM_COMMAND, WM_NOTIFY and the scroll messages of a control's window, sent to its parent.
-  bool ControlNotification(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-  bool Mouse(Control* control, bool& pressed, HWND window, UINT message, WPARAM wParam,
-             LPARAM lParam);
-
   void RegisterClasses();
-  BoundControl& Bind(Control& control);
-  void MakeWindow(BoundControl& bound);
-  void Forget(HWND window);
+  std::unique_ptr<BoundWindow> NewBound(Control& control) override;
+  void MakeWindow(BoundWindow& bound) override;
   void RequestUnload(std::int16_t mode);
 
-  void Place(BoundControl& bound);
-  void ApplyVisible(BoundControl& bound);
-  void ApplyEnabled(BoundControl& bound);
-  void ApplyValue(BoundControl& bound);
-  void Repaint(BoundControl& bound);
+  // Messages.
+  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
+  LRESULT PartMessage(BoundWindow& bound, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam) override;
+  // The tree views, check boxes and sliders: their mouse events.
+  static LRESULT CALLBACK SubclassProcedure(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam, UINT_PTR id, DWORD_PTR data);
+  bool Mouse(Control* control, bool& pressed, HWND window, UINT message, WPARAM wParam,
+             LPARAM lParam);
+  // A check box's click and a spin edit's edit.
+  void Command(BoundWindow& sender, UINT code) override;
+  // A slider's move.
+  bool ControlMessage(BoundWindow& sender, UINT message, WPARAM wParam,
+                      LRESULT& result) override;
+  void SpinEdited(BoundControl& bound);
 
+  // The model's changes.
+  // Labels and picture boxes are drawn again; the system's controls draw themselves.
+  void ApplyEnabled(BoundWindow& bound) override;
+  // A picture box shows what was drawn on it after Image, its Picture after Picture.
+  void ApplyPicture(BoundWindow& bound, Property which) override;
+  void ApplyValue(BoundWindow& bound) override;
+  // Only a window on the screen; one that comes is painted whole.
+  void Repaint(BoundWindow& bound) override;
+
+  // Painting.
   void PaintPicture(BoundControl& bound, HDC dc);
   void PaintLabel(BoundControl& bound, HWND window, HDC dc);
   void PaintFormBackground(HDC dc);
-  HBRUSH BrushOf(std::uint32_t color);
   HFONT FontOf(const Label& label);
 
-  void SyncNodes(BoundControl& bound);
+  // Tree views.
+  void ApplyNodes(BoundWindow& bound) override;
   void InsertNode(BoundControl& bound, std::int32_t position);
+  // Expansion and selection follow once the program reaches its message loop, or at Flush.
+  void ApplyNodeStates(BoundWindow& bound) override;
   void SyncNodeStates(BoundControl& bound);
-  void ScheduleNodeStates(BoundControl& bound);
-  void TreeNotification(BoundControl& bound, const NMHDR& header, LPARAM lParam);
-  std::int32_t PositionOfItem(BoundControl& bound, HTREEITEM item);
-  void UseImages(BoundControl& bound);
+  void ApplyImages(BoundWindow& bound) override;
   void ImagesChanged(BoundImageList& list);
-
-  void SpinEdited(BoundControl& bound);
-
-  void Annotate(HWND window, const std::string& name);
-
-  // Runs a handler of the model; a failure out of it goes to Failed, never into the system's
-  // window procedures.
-  void Run(const std::function<void()>& handler);
+  void TreeNotification(BoundWindow& bound, const NMHDR& header, LPARAM lParam) override;
 
   FrmMain& form_;
-  HINSTANCE instance_;
   HICON icon_;
   HICON smallIcon_;
-  HWND window_ = nullptr;
-  UINT findMessage_ = 0;
   UINT syncMessage_ = 0;
   bool syncPosted_ = false;
   bool formPressed_ = false;
-  // Set while the binding itself changes a window, so that the window's notifications of that
-  // change are not taken for the user's.
-  int applying_ = 0;
-  UniqueFont font_;
   // The labels' other faces of "Verdana", by size, weight and underline, made on first use.
   std::map<std::uint32_t, UniqueFont> labelFonts_;
-  std::map<std::uint32_t, UniqueBrush> brushes_;
-  std::vector<std::unique_ptr<BoundControl>> bound_;
-  std::unordered_map<const Control*, BoundControl*> byControl_;
-  std::unordered_map<HWND, BoundControl*> byWindow_;
   std::vector<std::unique_ptr<BoundImageList>> imageLists_;
   std::vector<BoundControl*> pendingStates_;
   std::vector<std::pair<UINT, std::function<void()>>> registeredHandlers_;
-  void* accessibleNames_ = nullptr;  // the platform's annotation service, when it has one
 };
 
 }  // namespace quorvane::ui::win32

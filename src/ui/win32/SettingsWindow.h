@@ -25,22 +25,17 @@
 // name, except where the window shows its text (the buttons show their captions), and the
 // system name is also its accessible name where the platform takes such annotations. The
 // dialog's top-level window answers the registered message "Quorvane.FindControl" (wParam: a
-// global atom of the system name) with the control's window, 0 if there is none.
+// global atom of the system name) with the control's window, 0 if there is none. What every
+// form's binding does alike is ControlBinding's.
 #include <windows.h>
 
 #include <cstdint>
-#include <exception>
 #include <functional>
-#include <map>
 #include <memory>
-#include <string>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
 
 #include "platform/ModalForms.h"
 #include "ui/Controls.h"
-#include "ui/win32/Handles.h"
+#include "ui/win32/ControlBinding.h"
 
 namespace quorvane {
 class FrmSettings;
@@ -52,7 +47,7 @@ inline constexpr const char* kSettingsWindowClass = "QuorvaneSettings";
 
 struct SettingsBound;
 
-class SettingsWindow final : private ControlObserver {
+class SettingsWindow final : public ControlBinding {
  public:
   SettingsWindow(FrmSettings& form, HINSTANCE instance);
   ~SettingsWindow() override;
@@ -64,75 +59,54 @@ class SettingsWindow final : private ControlObserver {
   // its window is gone. Then the owner is enabled again and the dialog destroyed. A quit message
   // that comes meanwhile ends the show and is posted again for the caller's loop. Throws
   // std::runtime_error when the system refuses a window.
+  // A failure that comes out of a routine of the form goes to Failed; the dialog stays.
   void ShowModal(HWND owner);
 
-  HWND Handle() const { return window_; }
-  // The window of the control of that system name ("Name" or "Name(i)"); 0 if none.
-  HWND Find(std::string_view systemName) const;
-
-  // A failure that came out of a routine of the form. The dialog stays.
-  std::function<void(const std::exception& failure)> Failed;
-
  private:
-  // ControlObserver
-  void Changed(Control& control, Property property) override;
-
-  static LRESULT CALLBACK TopProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  static LRESULT CALLBACK PartProcedure(HWND window, UINT message, WPARAM wParam,
-                                        LPARAM lParam);
-  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  LRESULT PartMessage(SettingsBound& bound, HWND window, UINT message, WPARAM wParam,
-                      LPARAM lParam);
-  // WM_COMMAND, WM_NOTIFY and the colour requests of the controls, sent to their parent.
-  bool ControlNotification(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-
   void RegisterClasses();
   void Create(HWND owner);
-  SettingsBound& Bind(Control& control);
-  void MakeWindow(SettingsBound& bound);
-  void Forget(HWND window);
-  HWND ParentOf(const Control& control) const;
-  HWND WindowOf(const Control& control) const;
+  std::unique_ptr<BoundWindow> NewBound(Control& control) override;
+  void MakeWindow(BoundWindow& bound) override;
+  void Activated();
+  // Once the form is unloaded, the modal loop is woken to end.
+  void Ran() override;
 
-  void Place(SettingsBound& bound);
-  void ApplyValue(SettingsBound& bound);
-  void ApplyCaption(SettingsBound& bound);
-  void Repaint(SettingsBound& bound);
+  // Messages.
+  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
+  LRESULT PartMessage(BoundWindow& bound, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam) override;
+  // The buttons' clicks and a spin edit's edit.
+  void Command(BoundWindow& sender, UINT code) override;
+  // The colours behind the buttons.
+  bool ControlMessage(BoundWindow& sender, UINT message, WPARAM wParam,
+                      LRESULT& result) override;
+  // A button's click: what the user ticked in the trees first, then the button's routine.
+  void Clicked(SettingsBound& bound);
+  void SpinEdited(SettingsBound& bound);
 
-  void SyncNodes(SettingsBound& bound);
-  void SyncNodeStates(SettingsBound& bound);
+  // The model's changes.
+  void ApplyValue(BoundWindow& bound) override;
+  void Repaint(BoundWindow& bound) override;
+
+  // Painting.
+  // The colour behind a control: its container's back colour, or the dialog's face.
+  std::uint32_t ColorBehind(const Control& control) const;
+  void Paint(SettingsBound& bound, HWND window, HDC dc);
+  void PaintPicture(const Control& control, HDC dc, const RECT& area);
+  void PaintFrame(const Frame& frame, HDC dc, const RECT& area);
+
+  // Tree views.
+  void ApplyNodes(BoundWindow& bound) override;
+  void ApplyNodeStates(BoundWindow& bound) override;
+  void TreeNotification(BoundWindow& bound, const NMHDR& header, LPARAM lParam) override;
   // Takes the tick boxes as the user left them into the nodes' Checked.
   void PullChecks(SettingsBound& bound);
   void PullAllChecks();
-  void TreeNotification(SettingsBound& bound, const NMHDR& header, LPARAM lParam);
-  std::int32_t PositionOfItem(SettingsBound& bound, HTREEITEM item);
-  void SpinEdited(SettingsBound& bound);
-
-  // The colour behind a control: its container's back colour, or the dialog's face.
-  std::uint32_t ColorBehind(const Control& control) const;
-  HBRUSH BrushOf(std::uint32_t color);
-  void Paint(SettingsBound& bound, HWND window, HDC dc);
-  void Annotate(HWND window, const std::string& name);
-
-  // Runs a routine of the form; a failure out of it goes to Failed. Once the form is unloaded,
-  // the modal loop is woken to end.
-  void Run(const std::function<void()>& routine);
-  void Activated();
 
   FrmSettings& form_;
-  HINSTANCE instance_;
-  HWND window_ = nullptr;
   HWND owner_ = nullptr;
-  UINT findMessage_ = 0;
   UINT pullMessage_ = 0;
-  int applying_ = 0;
   bool activated_ = false;
-  UniqueFont font_;
-  std::map<std::uint32_t, UniqueBrush> brushes_;
-  std::vector<std::unique_ptr<SettingsBound>> bound_;
-  std::unordered_map<const Control*, SettingsBound*> byControl_;
-  std::unordered_map<HWND, SettingsBound*> byWindow_;
-  void* accessibleNames_ = nullptr;  // the platform's annotation service, when it has one
 };
 
 // The ModalForms port over the real windows.
