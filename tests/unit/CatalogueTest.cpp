@@ -19,6 +19,8 @@
 #include "platform/portable/PortableIcons.h"
 #include "ui/MemorySurface.h"
 
+#include "PortableServices.h"
+
 namespace quorvane {
 namespace {
 
@@ -124,9 +126,7 @@ class CatalogueTest : public ::testing::TestWithParam<bool> {
     core::gSystemFolder = folder_.string() + "/";
     core::gProgramFilesFolder = folder_.string() + "/pf/";
     form_.OSName = Vista() ? "Windows Vista" : "Windows XP";
-    for (ui::PictureBox* box : {&form_.sIcon, &form_.lIcon, &form_.mIcon}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
-    }
+    testing::PreviewsInMemory(form_);
   }
   void TearDown() override { std::filesystem::remove_all(folder_); }
 
@@ -288,9 +288,7 @@ TEST_P(CatalogueTest, StrictAndLenientNumbers) {
   FrmMain again;
   MainWindowScope installed(again);
   again.OSName = form_.OSName;
-  for (ui::PictureBox* box : {&again.sIcon, &again.lIcon, &again.mIcon}) {
-    box->UseSurface(std::make_shared<ui::MemorySurface>());
-  }
+  testing::PreviewsInMemory(again);
   Put("HKEY_CLASSES_ROOT\\CLSID\\{2559a1f2-21d7-11d4-bdaf-00c04f60b9f0}\\DefaultIcon", "",
       "shell32.dll,x");
   EXPECT_ANY_THROW(LoadIconRecords(again));  // row 34 reads strictly

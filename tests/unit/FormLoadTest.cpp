@@ -25,13 +25,8 @@ constexpr char kShellIcons[] =
 class FormLoadTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::filesystem::create_directories(root_ / "appdata");
-    system_.SetFolder(0x1A, (root_ / "appdata").string());
-    system_.SetExecutableFolder((root_ / "program").string());
-    for (ui::PictureBox* box : {&form_.sIcon, &form_.lIcon, &form_.mIcon}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
-    }
-    Put(kMyComputer, "", "Explorer.exe,0");
+    services_.PrepareLoad(root_.Path());
+    testing::PreviewsInMemory(form_);
   }
 
   void Put(const std::string& key, const std::string& name, const std::string& value) {

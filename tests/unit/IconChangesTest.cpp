@@ -19,8 +19,6 @@
 namespace quorvane {
 namespace {
 
-constexpr char kMyComputer[] =
-    "HKEY_CLASSES_ROOT\\CLSID\\{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\DefaultIcon";
 constexpr char kRecycleBin[] =
     "HKEY_CLASSES_ROOT\\CLSID\\{645FF040-5081-101B-9F08-00AA002F954E}\\DefaultIcon";
 constexpr char kRecycleBinExplorer[] =
@@ -36,13 +34,8 @@ constexpr char kRestart[] = "Please restart to apply the changes";
 class IconChangesTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::filesystem::create_directories(root_ / "appdata");
-    system_.SetFolder(0x1A, (root_ / "appdata").string());
-    system_.SetExecutableFolder((root_ / "program").string());
-    for (ui::PictureBox* box : {&form_.sIcon, &form_.lIcon, &form_.mIcon}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
-    }
-    Put(kMyComputer, "", "Explorer.exe,0");
+    services_.PrepareLoad(root_.Path());
+    testing::PreviewsInMemory(form_);
     Put(kMetrics, "Shell Icon Size", "32");
     // Two icon files of the user's: the picker's choices.
     red_ = (root_ / "red.ico").string();

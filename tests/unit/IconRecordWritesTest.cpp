@@ -29,6 +29,8 @@
 #include "stores/AdvRegistryAccess.h"
 #include "ui/MemorySurface.h"
 
+#include "PortableServices.h"
+
 namespace quorvane {
 namespace {
 
@@ -174,9 +176,7 @@ std::vector<std::string> CatalogueNames() {
   FrmMain form;
   MainWindowScope installed(form);
   form.OSName = "Windows XP";
-  for (ui::PictureBox* box : {&form.sIcon, &form.lIcon, &form.mIcon}) {
-    box->UseSurface(std::make_shared<ui::MemorySurface>());
-  }
+  testing::PreviewsInMemory(form);
   LoadIconRecords(form);
   std::vector<std::string> names;
   for (const IconRecord& r : form.IconRecords) {

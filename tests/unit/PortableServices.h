@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
 #include "platform/portable/DecodedPictures.h"
@@ -31,6 +32,8 @@
 #include "platform/portable/PortableWindowActions.h"
 #include "platform/portable/RecordingShellRequests.h"
 #include "platform/portable/RecordingWallpaper.h"
+#include "stores/AdvRegistryAccess.h"
+#include "ui/MemorySurface.h"
 
 namespace quorvane::testing {
 
@@ -53,6 +56,17 @@ struct PortableServices {
   platform::portable::RecordingWallpaper wallpaper;
   platform::PortableWindowActions actions;
   platform::portable::PortableModalForms modal;
+
+  // A machine for the main window's load routine: the application data folder and the program's
+  // folder under `root`, and My Computer's stock icon, which the catalogue reads first.
+  void PrepareLoad(const std::filesystem::path& root) {
+    std::filesystem::create_directories(root / "appdata");
+    system.SetFolder(0x1A, (root / "appdata").string());
+    system.SetExecutableFolder((root / "program").string());
+    AdvRegistryAccess(store).WriteString(
+        "HKEY_CLASSES_ROOT\\CLSID\\{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\DefaultIcon", "",
+        "Explorer.exe,0");
+  }
 
   // Packs a collection "<name>.RXS" in the data folder, one PackFile a file, from files made
   // under sources\<name> with the content contentOf gives for each file's name.
@@ -89,5 +103,12 @@ struct PortableServices {
   platform::ScopedService<platform::WindowActions> s17_{actions};
   platform::ScopedService<platform::ModalForms> s18_{modal};
 };
+
+// The main window's three icon previews drawn in memory, as its binding gives them surfaces.
+inline void PreviewsInMemory(FrmMain& form) {
+  for (ui::PictureBox* box : {&form.sIcon, &form.lIcon, &form.mIcon}) {
+    box->UseSurface(std::make_shared<ui::MemorySurface>());
+  }
+}
 
 }  // namespace quorvane::testing
