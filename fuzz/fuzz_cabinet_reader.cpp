@@ -17,19 +17,15 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
+#include "FuzzSupport.h"
 #include "core/Failure.h"
 #include "platform/portable/GcabCollectionPacker.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using quorvane::fuzzing::Require;
 
-void Require(bool condition, const char* what) {
-  if (!condition) {
-    std::fprintf(stderr, "cabinet reader: %s\n", what);
-    std::abort();
-  }
-}
+namespace fs = std::filesystem;
 
 // A scratch tree for the life of the process: root/archive.RXS and root/box/dest.
 class Tree {

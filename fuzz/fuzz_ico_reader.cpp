@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
+#include "FuzzSupport.h"
 #include "conformance/IcoFiles.h"
 #include "platform/Icons.h"
 #include "platform/portable/PortableDeviceContexts.h"
@@ -22,15 +23,11 @@
 
 namespace {
 
+using quorvane::fuzzing::Require;
+using quorvane::fuzzing::ScratchFile;
+
 using quorvane::platform::GdiHandle;
 using quorvane::platform::portable::IconPicture;
-
-void Require(bool condition, const char* what) {
-  if (!condition) {
-    std::fprintf(stderr, "ico reader: %s\n", what);
-    std::abort();
-  }
-}
 
 void CheckPicture(const std::optional<IconPicture>& picture, std::int32_t size) {
   if (!picture) return;
@@ -40,32 +37,6 @@ void CheckPicture(const std::optional<IconPicture>& picture, std::int32_t size) 
   Require(picture->mask.size() == pixels, "mask not one a pixel");
   for (std::uint8_t m : picture->mask) Require(m <= 1, "a mask entry other than 0 or 1");
 }
-
-// One file per process in the temporary folder, removed at the end.
-class ScratchFile {
- public:
-  ScratchFile()
-      : path_((std::filesystem::temp_directory_path() /
-               ("quorvane-fuzz-ico-" + std::to_string(::getpid()) + ".ico"))
-                  .string()) {}
-  ~ScratchFile() {
-    std::error_code ec;
-    std::filesystem::remove(path_, ec);
-  }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-
-  const char* Path() const { return path_.c_str(); }
-  void Fill(const std::uint8_t* data, std::size_t size) const {
-    std::FILE* f = std::fopen(path_.c_str(), "wb");
-    Require(f != nullptr, "can't write the scratch file");
-    if (size > 0) Require(std::fwrite(data, 1, size, f) == size, "short write");
-    std::fclose(f);
-  }
-
- private:
-  std::string path_;
-};
 
 }  // namespace
 
@@ -100,14 +71,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(!large || portable::IsIconFile(bytes), "a picture from no icon file");
   Require(large.has_value() == small.has_value(), "one size decoded and not the other");
 
-  static ScratchFile scratch;
+  static ScratchFile scratch(".ico");
   scratch.Fill(data, size);
   portable::PortableDeviceContexts gdi(48, 48);
   gdi.KeepJournal(false);
   portable::PortableIcons icons(gdi);
   GdiHandle largeIcon = 0;
   GdiHandle smallIcon = 0;
-  const std::int32_t made = icons.ExtractIconExA(scratch.Path(), 0, &largeIcon, &smallIcon, 1);
+  const std::int32_t made = icons.ExtractIconExA(scratch.Path().c_str(), 0, &largeIcon, &smallIcon, 1);
   Require(made == (large ? 2 : (size == 0 ? -1 : 0)), "the handles made disagree with the reader");
   const GdiHandle screen = gdi.GetDC(0);
   const std::size_t contexts = gdi.LiveContexts();

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
+#include "FuzzSupport.h"
 #include "conformance/IcoFiles.h"
 #include "conformance/PictureFiles.h"
 #include "core/Failure.h"
@@ -24,43 +25,13 @@
 
 namespace {
 
+using quorvane::fuzzing::Require;
+using quorvane::fuzzing::ScratchFile;
+
 namespace pf = quorvane::testing::picture_files;
 using quorvane::Failure;
 using quorvane::FailureNumber;
 using quorvane::ui::Pixels;
-
-void Require(bool condition, const char* what) {
-  if (!condition) {
-    std::fprintf(stderr, "picture decoder: %s\n", what);
-    std::abort();
-  }
-}
-
-// One file per process in the temporary folder, removed at the end.
-class ScratchFile {
- public:
-  ScratchFile()
-      : path_((std::filesystem::temp_directory_path() /
-               ("quorvane-fuzz-picture-" + std::to_string(::getpid()) + ".bmp"))
-                  .string()) {}
-  ~ScratchFile() {
-    std::error_code ec;
-    std::filesystem::remove(path_, ec);
-  }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-
-  const std::string& Path() const { return path_; }
-  void Fill(const std::uint8_t* data, std::size_t size) const {
-    std::FILE* f = std::fopen(path_.c_str(), "wb");
-    Require(f != nullptr, "can't write the scratch file");
-    if (size > 0) Require(std::fwrite(data, 1, size, f) == size, "short write");
-    std::fclose(f);
-  }
-
- private:
-  std::string path_;
-};
 
 // The pixels, or nothing when the decoder refused the bytes as it must: with 481.
 template <class Decode>
@@ -127,7 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::span<const std::uint8_t> bytes(data, size);
   const std::optional<Pixels> inMemory = Attempt([&] { return portable::DecodePicture(bytes); });
 
-  static ScratchFile scratch;
+  static ScratchFile scratch(".bmp");
   scratch.Fill(data, size);
   portable::DecodedPictures pictures;
   const std::optional<Pixels> fromFile = Attempt([&] { return pictures.LoadPicture(scratch.Path()); });

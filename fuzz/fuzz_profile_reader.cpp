@@ -14,54 +14,13 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
+#include "FuzzSupport.h"
 #include "platform/portable/PortableProfileFiles.h"
 
 namespace {
 
-void Require(bool condition, const char* what) {
-  if (!condition) {
-    std::fprintf(stderr, "profile reader: %s\n", what);
-    std::abort();
-  }
-}
-
-// One file per process in the temporary folder, removed at the end.
-class ScratchFile {
- public:
-  ScratchFile()
-      : path_((std::filesystem::temp_directory_path() /
-               ("quorvane-fuzz-profile-" + std::to_string(::getpid()) + ".ini"))
-                  .string()) {}
-  ~ScratchFile() {
-    std::error_code ec;
-    std::filesystem::remove(path_, ec);
-  }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-
-  const char* Path() const { return path_.c_str(); }
-
-  std::string Contents() const {
-    std::string bytes;
-    std::FILE* f = std::fopen(path_.c_str(), "rb");
-    Require(f != nullptr, "can't read the scratch file");
-    char chunk[4096];
-    std::size_t n = 0;
-    while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) bytes.append(chunk, n);
-    std::fclose(f);
-    return bytes;
-  }
-
-  void Fill(const std::uint8_t* data, std::size_t size) const {
-    std::FILE* f = std::fopen(path_.c_str(), "wb");
-    Require(f != nullptr, "can't write the scratch file");
-    if (size > 0) Require(std::fwrite(data, 1, size, f) == size, "short write");
-    std::fclose(f);
-  }
-
- private:
-  std::string path_;
-};
+using quorvane::fuzzing::Require;
+using quorvane::fuzzing::ScratchFile;
 
 // The byte-order mark a text begins with, as the reader tells encodings apart.
 std::string MarkOf(const std::string& bytes) {
@@ -111,7 +70,7 @@ void CheckedRead(quorvane::platform::PortableProfileFiles& profiles, const char*
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static ScratchFile scratch;
+  static ScratchFile scratch(".ini");
   quorvane::platform::PortableProfileFiles profiles;
   scratch.Fill(data, size);
 
@@ -119,12 +78,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                           {" files ", "\t1 "},      {"", ""},
                                           {"[", ";"},              {"\xC9t\xE9", "\xFF"}};
   for (const auto& pair : kPairs) {
-    CheckedRead(profiles, pair[0], pair[1], "?!?", 256, scratch.Path());
+    CheckedRead(profiles, pair[0], pair[1], "?!?", 256, scratch.Path().c_str());
   }
   for (std::uint32_t bufferSize : kSizes) {
-    CheckedRead(profiles, "Files", "1", "\"quoted\"  ", bufferSize, scratch.Path());
-    CheckedRead(profiles, "Count", nullptr, "none", bufferSize, scratch.Path());
-    CheckedRead(profiles, nullptr, nullptr, "none", bufferSize, scratch.Path());
+    CheckedRead(profiles, "Files", "1", "\"quoted\"  ", bufferSize, scratch.Path().c_str());
+    CheckedRead(profiles, "Count", nullptr, "none", bufferSize, scratch.Path().c_str());
+    CheckedRead(profiles, nullptr, nullptr, "none", bufferSize, scratch.Path().c_str());
   }
 
   // A write must succeed and leave the value readable. Two kinds of input may lose it, on the
@@ -133,13 +92,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // "Total " and then "Total"); and a file written back beginning with a byte-order mark that
   // the input did not have (a first line " \xFF\xFE" loses its blank), which is then read in
   // another encoding.
-  Require(profiles.WritePrivateProfileStringA("Count", "Total", "42", scratch.Path()) != 0,
+  Require(profiles.WritePrivateProfileStringA("Count", "Total", "42", scratch.Path().c_str()) != 0,
           "write failed");
   const std::string input(reinterpret_cast<const char*>(data), size);
   if (!HoldsNul(input) && MarkOf(scratch.Contents()) == MarkOf(input)) {
     char buffer[8];
     const std::uint32_t count = profiles.GetPrivateProfileStringA(
-        "Count", "Total", "?!?", buffer, sizeof buffer, scratch.Path());
+        "Count", "Total", "?!?", buffer, sizeof buffer, scratch.Path().c_str());
     Require(count == 2 && std::strcmp(buffer, "42") == 0, "written value does not read back");
   }
   return 0;
