@@ -23,5 +23,9 @@ if(TARGET quorvane)
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/check-empty-icon.sh $<TARGET_FILE:osname_probe>
       $<TARGET_FILE:quorvane> ${CMAKE_SOURCE_DIR}/res/Empty.ico)
 endif()
+# Without a display Wine has no notification area and every call gives 0, so the tray case runs
+# again on a virtual screen, told that the area must be there.
 add_test(NAME startup.tray_on_screen
-  COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/check-tray.sh $<TARGET_FILE:conformance_win32>)
+  COMMAND ${CMAKE_COMMAND} -E env QUORVANE_NOTIFICATION_AREA=1
+    bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:conformance_win32>
+      --gtest_filter=TrayConformance.*)
