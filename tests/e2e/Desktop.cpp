@@ -170,8 +170,19 @@ bool SaveScreen(const std::string& path, std::string& error) {
     error = "the screen has no size";
     return false;
   }
+  // The screen once it holds still: two looks a tenth of a second apart that agree, so that a
+  // window still painting is not taken half done. A blinking caret may keep it from agreeing;
+  // then the last look is taken after two seconds.
   std::vector<std::uint32_t> pixels;
   if (!CaptureScreen(RECT{0, 0, width, height}, pixels, error)) return false;
+  std::vector<std::uint32_t> again;
+  for (int look = 0; look < 20; ++look) {
+    ::Sleep(100);
+    if (!CaptureScreen(RECT{0, 0, width, height}, again, error)) return false;
+    const bool still = again == pixels;
+    pixels.swap(again);
+    if (still) break;
+  }
   // Rows of three bytes a pixel (blue, green, red), padded to four bytes, from the bottom up.
   const std::uint32_t rowBytes = (static_cast<std::uint32_t>(width) * 3U + 3U) & ~3U;
   const std::uint32_t pixelBytes = rowBytes * static_cast<std::uint32_t>(height);
