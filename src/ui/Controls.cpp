@@ -47,7 +47,7 @@ void Control::Height(std::int32_t value) {
   Notify(Property::Position);
 }
 
-void Label::Caption(const std::string& value) {
+void CaptionedControl::Caption(const std::string& value) {
   caption_ = value;
   Notify(Property::Caption);
 }
@@ -72,21 +72,11 @@ void Label::FontBold(bool value) {
   Notify(Property::Caption);
 }
 
-void CheckBox::Caption(const std::string& value) {
-  caption_ = value;
-  Notify(Property::Caption);
-}
-
 void CheckBox::Value(std::int16_t value) {
   const bool changed = value != value_;
   value_ = value;
   Notify(Property::Value);
   if (changed && Click) Click();
-}
-
-void OptionButton::Caption(const std::string& value) {
-  caption_ = value;
-  Notify(Property::Caption);
 }
 
 void OptionButton::Value(bool value) {
@@ -116,16 +106,6 @@ void OptionButton::Picture(Pixels value) {
 
 void OptionButton::Group(std::initializer_list<OptionButton*> buttons) {
   for (OptionButton* button : buttons) button->group_.assign(buttons.begin(), buttons.end());
-}
-
-void CommandButton::Caption(const std::string& value) {
-  caption_ = value;
-  Notify(Property::Caption);
-}
-
-void Frame::Caption(const std::string& value) {
-  caption_ = value;
-  Notify(Property::Caption);
 }
 
 void ValueControl::Value(std::int32_t value) {
@@ -237,5 +217,13 @@ void PictureBox::Cls() {
 Pixels PictureBox::Image() { return surface_ ? surface_->Image(*this) : Pixels{}; }
 
 void PictureBox::Refresh() { Notify(Property::Image); }
+
+Control* FindControl(const std::vector<Control*>& controls, const std::string& name,
+                     std::int32_t index) {
+  for (Control* c : controls) {
+    if (c->Name() == name && c->Index() == index) return c;
+  }
+  return nullptr;
+}
 
 }  // namespace quorvane::ui

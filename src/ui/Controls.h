@@ -100,11 +100,21 @@ class Control {
   ControlObserver* observer_ = nullptr;
 };
 
-class Label : public Control {
+// A control that shows a caption: a label, a check box, an option button, a command button, a
+// frame.
+class CaptionedControl : public Control {
  public:
   using Control::Control;
   const std::string& Caption() const { return caption_; }
   void Caption(const std::string& value);
+
+ private:
+  std::string caption_;
+};
+
+class Label : public CaptionedControl {
+ public:
+  using CaptionedControl::CaptionedControl;
   // The text's colour (0xBBGGRR) and underline, the two marks of a highlighted label.
   std::uint32_t ForeColor() const { return foreColor_; }
   void ForeColor(std::uint32_t value);
@@ -117,7 +127,6 @@ class Label : public Control {
   void FontBold(bool value);
 
  private:
-  std::string caption_;
   std::uint32_t foreColor_ = 0;
   bool underline_ = false;
   std::int16_t fontSize_ = 8;
@@ -133,27 +142,22 @@ class Timer : public Control {
   std::function<void()> Tick;
 };
 
-class CheckBox : public Control {
+class CheckBox : public CaptionedControl {
  public:
-  using Control::Control;
-  const std::string& Caption() const { return caption_; }
-  void Caption(const std::string& value);
+  using CaptionedControl::CaptionedControl;
   // 0 unticked, 1 ticked; setting a new value runs Click, as the platform's check box does.
   std::int16_t Value() const { return value_; }
   void Value(std::int16_t value);
 
  private:
-  std::string caption_;
   std::int16_t value_ = 0;
 };
 
 // An option button. Buttons of one group (those of one frame) clear each other: setting one to
 // true sets the others to false, and then runs its Click, as the platform's option buttons do.
-class OptionButton : public Control {
+class OptionButton : public CaptionedControl {
  public:
-  using Control::Control;
-  const std::string& Caption() const { return caption_; }
-  void Caption(const std::string& value);
+  using CaptionedControl::CaptionedControl;
   bool Value() const { return value_; }
   void Value(bool value);
   // The colour behind the caption, 0xBBGGRR.
@@ -166,7 +170,6 @@ class OptionButton : public Control {
   static void Group(std::initializer_list<OptionButton*> buttons);
 
  private:
-  std::string caption_;
   bool value_ = false;
   std::uint32_t backColor_ = 0xF0F0F0;
   Pixels picture_;
@@ -174,25 +177,15 @@ class OptionButton : public Control {
 };
 
 // A push button with a caption; Click runs when it is pressed.
-class CommandButton : public Control {
+class CommandButton : public CaptionedControl {
  public:
-  using Control::Control;
-  const std::string& Caption() const { return caption_; }
-  void Caption(const std::string& value);
-
- private:
-  std::string caption_;
+  using CaptionedControl::CaptionedControl;
 };
 
 // A frame: a border with a caption round the controls that stand in it (their Container).
-class Frame : public Control {
+class Frame : public CaptionedControl {
  public:
-  using Control::Control;
-  const std::string& Caption() const { return caption_; }
-  void Caption(const std::string& value);
-
- private:
-  std::string caption_;
+  using CaptionedControl::CaptionedControl;
 };
 
 // A slider, or a spin edit: a number between bounds.
@@ -329,6 +322,11 @@ class PictureBox : public Control {
   bool autoRedraw_ = false;
   std::shared_ptr<Surface> surface_;
 };
+
+// The control of that name and index (-1 for a control that is no element) among a form's
+// controls; null if there is none.
+Control* FindControl(const std::vector<Control*>& controls, const std::string& name,
+                     std::int32_t index);
 
 // A control array: elements of one name, counted from 0.
 template <class T, std::size_t N>

@@ -66,14 +66,8 @@ void ReleaseOwner(HWND window) { ::SetWindowLongPtrA(window, GWLP_USERDATA, 0); 
 // control.
 const std::string& CaptionOf(const Control& control) {
   static const std::string none;
-  if (const auto* label = dynamic_cast<const Label*>(&control)) return label->Caption();
-  if (const auto* frame = dynamic_cast<const Frame*>(&control)) return frame->Caption();
-  if (const auto* check = dynamic_cast<const CheckBox*>(&control)) return check->Caption();
-  if (const auto* option = dynamic_cast<const OptionButton*>(&control)) return option->Caption();
-  if (const auto* command = dynamic_cast<const CommandButton*>(&control)) {
-    return command->Caption();
-  }
-  return none;
+  const auto* captioned = dynamic_cast<const CaptionedControl*>(&control);
+  return captioned != nullptr ? captioned->Caption() : none;
 }
 
 }  // namespace
