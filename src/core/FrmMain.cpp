@@ -223,10 +223,7 @@ AdvRegistryAccess& FrmMain::Reg() {
 }
 
 ui::Control* FrmMain::FindControl(const std::string& name, std::int32_t index) const {
-  for (ui::Control* c : controls_) {
-    if (c->Name() == name && c->Index() == index) return c;
-  }
-  return nullptr;
+  return ui::FindControl(controls_, name, index);
 }
 
 FrmMain& MainWindow() {

@@ -108,10 +108,7 @@ AdvRegistryAccess& FrmSettings::Reg() {
 }
 
 ui::Control* FrmSettings::FindControl(const std::string& name, std::int32_t index) const {
-  for (ui::Control* c : controls_) {
-    if (c->Name() == name && c->Index() == index) return c;
-  }
-  return nullptr;
+  return ui::FindControl(controls_, name, index);
 }
 
 void FrmSettings::Form_Initialize() { platform::Use<platform::ModalForms>().InitCommonControls(); }
