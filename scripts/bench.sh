@@ -76,12 +76,9 @@ run_in_desktop() {
   display_start || exit 1
   wine explorer "/desktop=$desktop,1280x800" "build/windows/$program" "$runs" \
     "$(winepath -w "$result")" "${@:4}" >"$dir/$name-wine.log" 2>&1 </dev/null &
-  local wine_pid=$! i
-  for i in $(seq 1 "$steps"); do
-    if [ -f "$result" ] && grep -q '^done' "$result"; then break; fi
-    if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then break; fi
-    sleep 0.1
-  done
+  local wine_pid=$!
+  figures_written() { [ -f "$result" ] && grep -q '^done' "$result"; }
+  desktop_wait "$desktop" "$wine_pid" "$steps" figures_written || true
   desktop_stop "$desktop" 10
   wait "$wine_pid" 2>/dev/null
   display_stop

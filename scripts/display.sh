@@ -60,6 +60,21 @@ desktop_processes() {
   prefix_processes "/desktop=$1,"
 }
 
+# A program started into a virtual desktop hands its result over in a file: waits, a tenth of a
+# second at a time and STEPS times at most, until the command given after the three arguments
+# succeeds (the result is there), or the program PID and everything in the desktop NAME have
+# ended. True when the command succeeded.
+desktop_wait() {
+  local name="$1" pid="$2" steps="$3"
+  shift 3
+  for _ in $(seq 1 "$steps"); do
+    "$@" && return 0
+    if ! kill -0 "$pid" 2>/dev/null && [ -z "$(desktop_processes "$name")" ]; then return 1; fi
+    sleep 0.1
+  done
+  return 1
+}
+
 # Waits up to SECONDS for the virtual desktop NAME to close by itself (it does when its last
 # program has ended), then ends what is left of it.
 desktop_stop() {

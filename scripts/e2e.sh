@@ -67,6 +67,11 @@ shots_w="$(winepath -w "$shots" 2>/dev/null)"
 # result file's Windows path, waits until it has written its summary line, and adds its lines
 # to the report.
 report=""
+# True when the driver's result file holds its last line, the count of its cases.
+driver_finished() {
+  [ -f "$1" ] && tr -d '\r' <"$1" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'
+}
+
 drive() {
   local result="$1"
   shift
@@ -77,18 +82,10 @@ drive() {
     >>"$work/wine.log" 2>&1 </dev/null &
   local wine_pid=$!
   # The driver bounds each of its waits; this only guards against a driver that never starts.
-  for _ in $(seq 1 1800); do
-    if [ -f "$result" ] && tr -d '\r' <"$result" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'; then
-      break
-    fi
-    if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then
-      break
-    fi
-    sleep 0.1
-  done
+  desktop_wait "$desktop" "$wine_pid" 1800 driver_finished "$result"
   desktop_stop "$desktop" 10
   wait "$wine_pid" 2>/dev/null
-  if [ -f "$result" ] && tr -d '\r' <"$result" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'; then
+  if driver_finished "$result"; then
     report+="$(tr -d '\r' <"$result")"$'\n'
   else
     report+="FAIL $1: the driver gave no result (see $work/wine.log)"$'\n'"0 passed, 1 failed"$'\n'

@@ -31,15 +31,8 @@ wine explorer "/desktop=$desktop,1024x768" "$program" "$@" "--gtest_output=xml:$
   >"$work/wine.log" 2>&1 </dev/null &
 wine_pid=$!
 # The program bounds each of its own waits; this only guards against one that never ends.
-for _ in $(seq 1 3000); do
-  if [ -f "$result" ] && grep -q '</testsuites>' "$result"; then
-    break
-  fi
-  if ! kill -0 "$wine_pid" 2>/dev/null && [ -z "$(desktop_processes "$desktop")" ]; then
-    break
-  fi
-  sleep 0.1
-done
+report_written() { [ -f "$result" ] && grep -q '</testsuites>' "$result"; }
+desktop_wait "$desktop" "$wine_pid" 3000 report_written
 desktop_stop "$desktop" 10
 wait "$wine_pid" 2>/dev/null
 
