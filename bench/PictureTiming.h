@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/Pictures.h"
 
 namespace quorvane::bench {
@@ -36,7 +36,7 @@ inline int TimePictures(quorvane::platform::Pictures& pictures, int argc, char**
   try {
     for (int i = 0; i < rounds; ++i) {
       auto start = std::chrono::steady_clock::now();
-      const quorvane::ui::Pixels p = pictures.LoadPicture(argv[1]);
+      const quorvane::Pixels p = pictures.LoadPicture(argv[1]);
       loads.push_back(Milliseconds(start));
       start = std::chrono::steady_clock::now();
       pictures.SavePicture(p, argv[2]);

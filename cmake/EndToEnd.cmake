@@ -19,7 +19,7 @@ if(TARGET quorvane)
   add_executable(quorvane_startup WIN32 EXCLUDE_FROM_ALL
     ${QUORVANE_APP_SOURCES} ${QUORVANE_APP_RESOURCES})
   target_compile_definitions(quorvane_startup PRIVATE QUORVANE_STARTUP_BENCHMARK)
-  target_link_libraries(quorvane_startup PRIVATE quorvane_win32)
+  target_link_libraries(quorvane_startup PRIVATE quorvane_platform)
   quorvane_target(quorvane_startup)
 endif()
 

@@ -13,7 +13,7 @@ set_source_files_properties(${QUORVANE_STARTUP_RC} PROPERTIES
 
 # A console program that prints the version name and copies out a module's raw resource.
 add_executable(osname_probe ${CMAKE_SOURCE_DIR}/tests/startup/osname_probe.cpp)
-target_link_libraries(osname_probe PRIVATE quorvane_win32)
+target_link_libraries(osname_probe PRIVATE quorvane_platform)
 quorvane_target(osname_probe)
 
 add_test(NAME startup.xp_branch

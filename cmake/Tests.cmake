@@ -45,7 +45,7 @@ if(WIN32)
   # The program's own icon picker, driven on a virtual screen: a dialog needs a display, which
   # the run under ctest has not, so the program runs in a virtual desktop of its own.
   add_executable(icon_picker_win32 tests/iconpicker/IconPickerFallback.cpp)
-  target_link_libraries(icon_picker_win32 PRIVATE quorvane_win32 quorvane_gtest)
+  target_link_libraries(icon_picker_win32 PRIVATE quorvane_platform quorvane_gtest)
   target_include_directories(icon_picker_win32 PRIVATE ${CMAKE_SOURCE_DIR}/tests/conformance)
   quorvane_target(icon_picker_win32)
   add_test(NAME icon_picker_on_screen
@@ -77,7 +77,7 @@ else()
       add_executable(${name} ${harness} fuzz/CorpusDriver.cpp)
       add_test(NAME fuzz.${name} COMMAND ${name} --runs 20000 --seed 1)
     endif()
-    target_link_libraries(${name} PRIVATE quorvane_portable)
+    target_link_libraries(${name} PRIVATE quorvane_platform)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/fuzz)
     quorvane_target(${name})
   endforeach()

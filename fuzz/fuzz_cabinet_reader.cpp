@@ -18,7 +18,7 @@
 
 #include "FuzzSeeds.h"
 #include "FuzzSupport.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/portable/GcabCollectionPacker.h"
 
 namespace {

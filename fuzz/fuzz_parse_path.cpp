@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "unit/AdvRegistryAccessProbe.h"
 

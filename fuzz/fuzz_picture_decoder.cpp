@@ -19,8 +19,8 @@
 #include "FuzzSupport.h"
 #include "conformance/IcoFiles.h"
 #include "conformance/PictureFiles.h"
-#include "core/Failure.h"
-#include "platform/PictureFormats.h"
+#include "base/Failure.h"
+#include "codecs/PictureFormats.h"
 #include "platform/portable/DecodedPictures.h"
 
 namespace {
@@ -31,7 +31,7 @@ using quorvane::fuzzing::ScratchFile;
 namespace pf = quorvane::testing::picture_files;
 using quorvane::Failure;
 using quorvane::FailureNumber;
-using quorvane::ui::Pixels;
+using quorvane::Pixels;
 
 // The pixels, or nothing when the decoder refused the bytes as it must: with 481.
 template <class Decode>
@@ -39,7 +39,7 @@ std::optional<Pixels> Attempt(Decode decode) {
   try {
     Pixels p = decode();
     Require(!p.Empty(), "an empty picture");
-    Require(quorvane::platform::DecodableSize(p.width, p.height), "a picture beyond the limit");
+    Require(quorvane::codecs::DecodableSize(p.width, p.height), "a picture beyond the limit");
     Require(p.bgra.size() == static_cast<std::size_t>(p.width) * static_cast<std::size_t>(p.height),
             "pixels that don't match the size");
     return p;
@@ -95,6 +95,7 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorvane::platform;
+  namespace codecs = quorvane::codecs;
   const std::span<const std::uint8_t> bytes(data, size);
   const std::optional<Pixels> inMemory = Attempt([&] { return portable::DecodePicture(bytes); });
 
@@ -104,6 +105,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::optional<Pixels> fromFile = Attempt([&] { return pictures.LoadPicture(scratch.Path()); });
   Require(inMemory.has_value() == fromFile.has_value(), "memory and file disagree");
   if (inMemory) Require(*inMemory == *fromFile, "memory and file give other pixels");
-  if (inMemory) Require(KindOfPicture(bytes) != PictureKind::Unknown, "a picture of no kind");
+  if (inMemory) Require(codecs::KindOfPicture(bytes) != codecs::PictureKind::Unknown, "a picture of no kind");
   return 0;
 }

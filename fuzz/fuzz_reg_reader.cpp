@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/Service.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableEventLoop.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "drawing/cDIBSection.h"
 #include "platform/Service.h"
 #include "platform/portable/PortableClipboard.h"

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "FuzzSeeds.h"
-#include "core/Failure.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Text.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "stores/AdvRegistryAccess.h"
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "core/Failure.h"
-#include "core/Numbers.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Service.h"
 #include "platform/ShellRequests.h"

@@ -1,6 +1,6 @@
 #include "core/FrmMain.h"
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "core/Types.h"
+#include "base/Types.h"
 #include "stores/AdvRegistryAccess.h"
 #include "ui/Controls.h"
 

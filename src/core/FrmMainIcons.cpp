@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
-#include "core/Numbers.h"
-#include "core/Text.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
 #include "icons/IconRecordWrites.h"
 #include "icons/modextracticon.h"
 #include "platform/Application.h"

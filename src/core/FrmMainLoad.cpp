@@ -2,11 +2,11 @@
 #include <cstdlib>
 #include <exception>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
-#include "core/Numbers.h"
-#include "core/Text.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
 #include "core/mdlTray.h"
 #include "icons/Catalogue.h"
 #include "icons/FillTree.h"

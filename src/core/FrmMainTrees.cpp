@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/FrmMain.h"
-#include "core/Numbers.h"
-#include "core/Text.h"
+#include "base/Numbers.h"
+#include "base/Text.h"
 #include "icons/modextracticon.h"
 
 namespace quorvane {

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
-#include "core/Numbers.h"
-#include "core/Random.h"
-#include "core/Text.h"
+#include "base/Numbers.h"
+#include "base/Random.h"
+#include "base/Text.h"
 #include "platform/CollectionPacker.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"

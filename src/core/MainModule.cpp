@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/FileSystem.h"
 #include "platform/Process.h"
 #include "platform/Service.h"

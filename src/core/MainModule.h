@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/Types.h"
+#include "base/Types.h"
 
 namespace quorvane::core {
 

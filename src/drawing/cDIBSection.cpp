@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdint>
 
-#include "core/Failure.h"
-#include "core/Random.h"
-#include "drawing/ByteView.h"
+#include "base/Failure.h"
+#include "base/Random.h"
+#include "base/ByteView.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
@@ -170,7 +170,7 @@ void cDIBSection::PaintPicture(Handle lhDC, std::int32_t lDestLeft, std::int32_t
 
 void cDIBSection::RandomiseBits(Boolean bGray) {
   // The view lives for this call only and is gone when it returns.
-  const drawing::ByteView bytes(bitsPtr_, BytesPerScanLine(), biHeight_);
+  const ByteView bytes(bitsPtr_, BytesPerScanLine(), biHeight_);
 
   random::Randomize(platform::Use<platform::Clock>().SecondsSinceMidnight());
 
@@ -222,8 +222,8 @@ std::unique_ptr<cDIBSection> cDIBSection::Resample(std::int32_t lNewHeight,
 }
 
 Boolean cDIBSection::ResampleInto(cDIBSection& target) {
-  const drawing::ByteView source(bitsPtr_, BytesPerScanLine(), biHeight_);
-  const drawing::ByteView destination(target.bitsPtr_, target.BytesPerScanLine(),
+  const ByteView source(bitsPtr_, BytesPerScanLine(), biHeight_);
+  const ByteView destination(target.bitsPtr_, target.BytesPerScanLine(),
                                       target.biHeight_);
 
   // Worked out in double precision and kept in single. With the one pixel taken off, the last

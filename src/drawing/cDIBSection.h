@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "core/Types.h"
+#include "base/Types.h"
 #include "platform/DeviceContexts.h"
 
 namespace quorvane {

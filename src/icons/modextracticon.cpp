@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"
 

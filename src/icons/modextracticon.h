@@ -15,7 +15,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/Types.h"
+#include "base/Types.h"
 #include "platform/Icons.h"
 #include "ui/Controls.h"
 

@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane::platform {
 

@@ -12,10 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/CabinetFormat.h"
+#include "codecs/CabinetFormat.h"
 #include "platform/CollectionPacker.h"
 
 namespace quorvane::platform {
+
+namespace cabinet = codecs::cabinet;
 
 class CabinetPacker : public CollectionPacker {
  public:

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ui/Controls.h"
+#include "base/Pixels.h"
 
 namespace quorvane::platform {
 
@@ -17,7 +17,7 @@ class Notification {
   // the notification's own affair; one it does not use is kept all the same.
   virtual void SetOption(std::int32_t number, std::int32_t value) = 0;
   // The picture shown beside the text; an empty picture shows none.
-  virtual void SetPicture(const ui::Pixels& picture) = 0;
+  virtual void SetPicture(const Pixels& picture) = 0;
   virtual void SetText(const std::string& text) = 0;
   // Shows the notification with the picture and text set last.
   virtual void Show() = 0;

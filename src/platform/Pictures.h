@@ -2,7 +2,7 @@
 // Picture files: decoding one into pixels, and saving pixels as a Windows bitmap file.
 #include <string>
 
-#include "ui/Controls.h"
+#include "base/Pixels.h"
 
 namespace quorvane::platform {
 
@@ -18,13 +18,13 @@ class Pictures {
   // Throws a Failure: FileNotFound (53) when there is no such file, PathFileAccessError (75) when
   // it can't be read, InvalidPicture (481) when the content is no picture this decoder knows, or
   // is damaged or cut short.
-  virtual ui::Pixels LoadPicture(const std::string& path) = 0;
+  virtual Pixels LoadPicture(const std::string& path) = 0;
 
   // LoadPicture into `picture`, whose memory the new picture takes over where it fits: a decoded
   // wallpaper is tens of megabytes, and fresh memory costs its first touch on every change.
   // Throws as LoadPicture does, and then leaves `picture` as it was; only a failure of the
   // platform after the decoding has begun leaves it empty.
-  virtual void LoadPictureInto(const std::string& path, ui::Pixels& picture) {
+  virtual void LoadPictureInto(const std::string& path, Pixels& picture) {
     picture = LoadPicture(path);
   }
 
@@ -34,7 +34,7 @@ class Pictures {
   // Throws a Failure: InvalidProcedureCall (5) for an empty picture or one whose pixels don't
   // match its size, PathNotFound (76) when the folder doesn't exist, PathFileAccessError (75) when
   // the file can't be written.
-  virtual void SavePicture(const ui::Pixels& picture, const std::string& path) = 0;
+  virtual void SavePicture(const Pixels& picture, const std::string& path) = 0;
 };
 
 }  // namespace quorvane::platform

@@ -2,7 +2,7 @@
 // The program's own bitmaps, by resource number.
 #include <cstdint>
 
-#include "ui/Controls.h"
+#include "base/Pixels.h"
 
 namespace quorvane::platform {
 
@@ -10,7 +10,7 @@ class ResourcePictures {
  public:
   virtual ~ResourcePictures() = default;
   // The bitmap of that number as pixels; empty when the program has none of that number.
-  virtual ui::Pixels LoadResPicture(std::int32_t number) = 0;
+  virtual Pixels LoadResPicture(std::int32_t number) = 0;
 };
 
 }  // namespace quorvane::platform

@@ -1,6 +1,6 @@
 #include "stores/AdvRegistryAccess.h"
 
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/Service.h"
 
 namespace quorvane {

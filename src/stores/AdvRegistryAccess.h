@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "core/TextBox.h"
-#include "core/Types.h"
+#include "base/Types.h"
 #include "platform/RegistryStore.h"
 
 namespace quorvane {

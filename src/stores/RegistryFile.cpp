@@ -3,8 +3,8 @@
 // carries "0x", which the reader reads as 0, and the writer writes text raw, NUL included.
 #include <cmath>
 
-#include "core/Failure.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Text.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"
 #include "platform/Service.h"

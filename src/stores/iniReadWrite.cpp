@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "core/Failure.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Text.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane::ui {
 

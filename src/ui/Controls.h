@@ -15,19 +15,14 @@
 #include <variant>
 #include <vector>
 
+#include "base/Pixels.h"
+
 namespace quorvane::ui {
 
 inline constexpr std::int32_t kTwipsPerPixel = 15;
 
-// Pixels of an image, 32 bits each as blue, green, red, alpha, rows top-down.
-struct Pixels {
-  std::int32_t width = 0;
-  std::int32_t height = 0;
-  std::vector<std::uint32_t> bgra;
-
-  bool Empty() const { return width <= 0 || height <= 0; }
-  bool operator==(const Pixels&) const = default;
-};
+// The model shows pictures as the platform decodes them.
+using quorvane::Pixels;
 
 // What a binding is told when a property of its control changes.
 enum class Property {

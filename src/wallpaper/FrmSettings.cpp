@@ -2,9 +2,9 @@
 
 #include <initializer_list>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/MainModule.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/ModalForms.h"
 #include "platform/Service.h"
 #include "platform/WindowActions.h"

@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/MainModule.h"
-#include "core/Text.h"
+#include "base/Text.h"
 #include "platform/CollectionPacker.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"

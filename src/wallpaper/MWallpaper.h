@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/Types.h"
+#include "base/Types.h"
 #include "ui/Controls.h"
 
 namespace quorvane {

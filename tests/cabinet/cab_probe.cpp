@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <string>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/CollectionPacker.h"
 #include "platform/Service.h"
 #ifdef _WIN32

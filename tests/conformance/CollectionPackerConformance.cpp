@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/CollectionPacker.h"
 #include "platform/Service.h"
 

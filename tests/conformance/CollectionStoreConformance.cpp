@@ -18,7 +18,7 @@
 #include "PictureFiles.h"
 #include "RegistrySnapshot.h"
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/CollectionPacker.h"

@@ -13,7 +13,7 @@
 #include "RegistrySnapshot.h"
 #include "Support.h"
 #include "appearance/Desktop.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/Service.h"
 #include "stores/AdvRegistryAccess.h"
 

@@ -12,7 +12,7 @@
 
 #include "IcoFiles.h"
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "icons/modextracticon.h"
 #include "platform/DeviceContexts.h"

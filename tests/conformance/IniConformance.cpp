@@ -14,7 +14,7 @@
 #include <string>
 
 #include "Support.h"
-#include "core/Types.h"
+#include "base/Types.h"
 #include "icons/modextracticon.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Support.h"
-#include "platform/BitmapFile.h"
+#include "codecs/BitmapFile.h"
 #include "platform/Pictures.h"
 #include "platform/Service.h"
 
@@ -37,8 +37,8 @@ std::vector<std::string> Names(const std::string& folder) {
 }
 
 // Opaque, every pixel its own colour, and an odd width so that each row ends in padding.
-ui::Pixels LargePicture(std::int32_t width, std::int32_t height) {
-  ui::Pixels p;
+Pixels LargePicture(std::int32_t width, std::int32_t height) {
+  Pixels p;
   p.width = width;
   p.height = height;
   p.bgra.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
@@ -51,11 +51,11 @@ ui::Pixels LargePicture(std::int32_t width, std::int32_t height) {
 TEST(PictureSavingConformance, ALargePictureSavesWholeAndLoadsBackTheSame) {
   const std::string folder = FreshTempFolder();
   const std::string saved = folder + "WP.bmp";
-  const ui::Pixels picture = LargePicture(1001, 701);  // a file of about 2 MB
+  const Pixels picture = LargePicture(1001, 701);  // a file of about 2 MB
   Use<Pictures>().SavePicture(picture, saved);
   const std::vector<std::uint8_t> bytes = ReadFileBytes(saved);
-  ASSERT_EQ(bytes.size(), 54u + 701u * platform::BitmapRowBytes(1001));
-  EXPECT_TRUE(bytes == platform::BitmapFileBytes(picture));
+  ASSERT_EQ(bytes.size(), 54u + 701u * codecs::BitmapRowBytes(1001));
+  EXPECT_TRUE(bytes == codecs::BitmapFileBytes(picture));
   EXPECT_TRUE(Use<Pictures>().LoadPicture(saved) == picture);
   EXPECT_EQ(Names(folder), std::vector<std::string>{"WP.bmp"});
 }
@@ -64,9 +64,9 @@ TEST(PictureSavingConformance, SavingAgainOverALargerFileLeavesOnlyTheNewOne) {
   const std::string folder = FreshTempFolder();
   const std::string saved = folder + "WP.bmp";
   Use<Pictures>().SavePicture(LargePicture(1001, 701), saved);
-  const ui::Pixels small = LargePicture(3, 2);
+  const Pixels small = LargePicture(3, 2);
   Use<Pictures>().SavePicture(small, saved);
-  EXPECT_TRUE(ReadFileBytes(saved) == platform::BitmapFileBytes(small));
+  EXPECT_TRUE(ReadFileBytes(saved) == codecs::BitmapFileBytes(small));
   EXPECT_EQ(Names(folder), std::vector<std::string>{"WP.bmp"});
 }
 

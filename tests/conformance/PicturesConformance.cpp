@@ -16,7 +16,7 @@
 #include "IcoFiles.h"
 #include "PictureFiles.h"
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/Pictures.h"
 #include "platform/Service.h"
 
@@ -50,7 +50,7 @@ std::string DataFile(const std::string& name) {
   return HostFile(std::string(QUORVANE_SOURCE_DIR) + "/tests/data/" + name);
 }
 
-std::uint32_t At(const ui::Pixels& p, std::int32_t x, std::int32_t y) {
+std::uint32_t At(const Pixels& p, std::int32_t x, std::int32_t y) {
   return p.bgra[static_cast<std::size_t>(y) * static_cast<std::size_t>(p.width) +
                 static_cast<std::size_t>(x)];
 }
@@ -78,7 +78,7 @@ class PicturesConformance : public ::testing::Test {
     EXPECT_TRUE(WriteBytes(path, bytes));
     return path;
   }
-  ui::Pixels Load(const std::string& name, const std::string& bytes) {
+  Pixels Load(const std::string& name, const std::string& bytes) {
     return Use<Pictures>().LoadPicture(Write(name, bytes));
   }
   // The failure number of loading `path`, or 0 when it loads.
@@ -104,7 +104,7 @@ class PicturesConformance : public ::testing::Test {
 const std::vector<std::uint32_t> kSix = {0xFF0000, 0x00FF00, 0x0000FF,
                                          0x123456, 0xFEDCBA, 0x808080};
 
-void ExpectColours(const ui::Pixels& p, std::int32_t width, std::int32_t height,
+void ExpectColours(const Pixels& p, std::int32_t width, std::int32_t height,
                    const std::vector<std::uint32_t>& colours) {
   ASSERT_EQ(p.width, width);
   ASSERT_EQ(p.height, height);
@@ -202,7 +202,7 @@ TEST_F(PicturesConformance, AGifsTransparentColourComesOutTransparent) {
   const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00};
   std::vector<std::uint32_t> indices(8 * 8, 1);
   for (std::size_t i = 0; i < indices.size(); i += 3) indices[i] = 2;
-  const ui::Pixels p = Load("clear.gif", pf::GifFile(8, 8, palette, indices, false, 2));
+  const Pixels p = Load("clear.gif", pf::GifFile(8, 8, palette, indices, false, 2));
   ASSERT_EQ(p.width, 8);
   ASSERT_EQ(p.height, 8);
   for (std::size_t i = 0; i < indices.size(); ++i) {
@@ -216,7 +216,7 @@ TEST_F(PicturesConformance, AGifsTransparentColourComesOutTransparent) {
 
 // --- JPEG -------------------------------------------------------------------------------------
 
-void ExpectQuadrants(const ui::Pixels& p) {
+void ExpectQuadrants(const Pixels& p) {
   ASSERT_EQ(p.width, 32);
   ASSERT_EQ(p.height, 32);
   EXPECT_TRUE(Near(At(p, 8, 8), 0xFFFF0000u, 12));
@@ -250,7 +250,7 @@ TEST_F(PicturesConformance, APngsTransparentPixelsAreTransparentAndTheOthersKeep
   const std::vector<std::uint32_t> colours(6 * 4, 0x2080C0);
   std::vector<std::uint8_t> alpha(colours.size(), 0xFF);
   for (std::size_t i = 0; i < alpha.size(); i += 5) alpha[i] = 0;
-  const ui::Pixels p = Load("holes.png", pf::PngFile(6, 4, colours, alpha));
+  const Pixels p = Load("holes.png", pf::PngFile(6, 4, colours, alpha));
   ASSERT_EQ(p.width, 6);
   ASSERT_EQ(p.height, 4);
   for (std::size_t i = 0; i < alpha.size(); ++i) {
@@ -274,7 +274,7 @@ TEST_F(PicturesConformance, AnIconGivesItsLargestImageWithTheMaskTransparent) {
     }
   }
   IcoImage middle = SolidImage(32, 24, 0x0000FF);
-  const ui::Pixels p = Load("three.ico", IcoBytes({small, large, middle}));
+  const Pixels p = Load("three.ico", IcoBytes({small, large, middle}));
   ASSERT_EQ(p.width, 48);
   ASSERT_EQ(p.height, 48);
   EXPECT_EQ(At(p, 20, 20), 0xFF00FF00u);
@@ -286,7 +286,7 @@ TEST_F(PicturesConformance, AnIconGivesItsLargestImageWithTheMaskTransparent) {
 TEST_F(PicturesConformance, ACursorFileReadsAsAnIcon) {
   std::string bytes = IcoBytes({SolidImage(32, 8, 1, {0x000000, 0x3366CC})});
   bytes[2] = 2;  // a cursor file
-  const ui::Pixels p = Load("pointer.cur", bytes);
+  const Pixels p = Load("pointer.cur", bytes);
   ASSERT_EQ(p.width, 32);
   ASSERT_EQ(p.height, 32);
   EXPECT_EQ(At(p, 10, 10), 0xFF3366CCu);
@@ -297,7 +297,7 @@ TEST_F(PicturesConformance, AnIconMayHoldItsLargestImageAsPng) {
   const std::string icon =
       pf::IconFileOf({pf::PngFile(40, 40, colours), ico_detail::EntryData(SolidImage(16, 24, 0x0000FF))},
                      {{{40, 40}}, {{16, 16}}});
-  const ui::Pixels p = Load("png.ico", icon);
+  const Pixels p = Load("png.ico", icon);
   ASSERT_EQ(p.width, 40);
   ASSERT_EQ(p.height, 40);
   EXPECT_EQ(At(p, 39, 0), 0xFFC08040u);
@@ -307,7 +307,7 @@ TEST_F(PicturesConformance, AnIconMayHoldItsLargestImageAsPng) {
 
 TEST_F(PicturesConformance, LoadingIntoALargerPictureGivesExactlyTheNewPicture) {
   const std::string file = Write("six.bmp", pf::BitmapFile(3, 2, 24, kSix));
-  ui::Pixels picture{40, 30, std::vector<std::uint32_t>(40 * 30, 0xFFABCDEFu)};
+  Pixels picture{40, 30, std::vector<std::uint32_t>(40 * 30, 0xFFABCDEFu)};
   Use<Pictures>().LoadPictureInto(file, picture);
   ExpectColours(picture, 3, 2, kSix);
   EXPECT_EQ(picture, Use<Pictures>().LoadPicture(file));
@@ -317,14 +317,14 @@ TEST_F(PicturesConformance, LoadingIntoASmallerPictureGrowsIt) {
   std::vector<std::uint32_t> colours(64 * 48);
   for (std::size_t i = 0; i < colours.size(); ++i) colours[i] = static_cast<std::uint32_t>(i * 37);
   const std::string file = Write("grown.bmp", pf::BitmapFile(64, 48, 24, colours));
-  ui::Pixels picture{2, 1, {0xFF010203u, 0xFF040506u}};
+  Pixels picture{2, 1, {0xFF010203u, 0xFF040506u}};
   Use<Pictures>().LoadPictureInto(file, picture);
   ExpectColours(picture, 64, 48, colours);
 }
 
 TEST_F(PicturesConformance, AFailedLoadIntoAPictureLeavesItAsItWas) {
-  const ui::Pixels before{2, 1, {0xFF010203u, 0xFF040506u}};
-  ui::Pixels picture = before;
+  const Pixels before{2, 1, {0xFF010203u, 0xFF040506u}};
+  Pixels picture = before;
   const auto failure = [&](const std::string& path) {
     try {
       Use<Pictures>().LoadPictureInto(path, picture);
@@ -383,7 +383,7 @@ TEST_F(PicturesConformance, PicturesCutShortAreInvalidPictures) {
 // --- saving -----------------------------------------------------------------------------------
 
 TEST_F(PicturesConformance, SavingWritesAn24BitBitmapBottomUpWithPaddedRows) {
-  const ui::Pixels loaded = Load("six.bmp", pf::BitmapFile(3, 2, 24, kSix));
+  const Pixels loaded = Load("six.bmp", pf::BitmapFile(3, 2, 24, kSix));
   const std::string saved = folder_ + "WP.bmp";
   Use<Pictures>().SavePicture(loaded, saved);
   const std::string bytes = ReadBytes(saved);
@@ -417,7 +417,7 @@ TEST_F(PicturesConformance, EveryKindOfPictureSavesAsABitmapThatLoadsBackTheSame
       DataFile("quadrants.jpg"),
   };
   for (const std::string& path : made) {
-    const ui::Pixels loaded = Use<Pictures>().LoadPicture(path);
+    const Pixels loaded = Use<Pictures>().LoadPicture(path);
     Use<Pictures>().SavePicture(loaded, folder_ + "WP.bmp");
     EXPECT_EQ(Use<Pictures>().LoadPicture(folder_ + "WP.bmp"), loaded) << path;
   }
@@ -425,7 +425,7 @@ TEST_F(PicturesConformance, EveryKindOfPictureSavesAsABitmapThatLoadsBackTheSame
 
 TEST_F(PicturesConformance, SavingReplacesAFileAndLeavesNothingElse) {
   const std::string saved = Write("WP.bmp", std::string(5000, 'x'));
-  ui::Pixels picture;
+  Pixels picture;
   picture.width = 2;
   picture.height = 2;
   picture.bgra = {0xFF010203u, 0x80040506u, 0x00070809u, 0xFFFFFFFFu};
@@ -440,7 +440,7 @@ TEST_F(PicturesConformance, SavingReplacesAFileAndLeavesNothingElse) {
 TEST_F(PicturesConformance, SavingIntoAMissingFolderFailsAndMakesNothing) {
   const char sep = folder_.back();
   const std::string missing = folder_ + "nowhere" + sep + "WP.bmp";
-  ui::Pixels picture;
+  Pixels picture;
   picture.width = 1;
   picture.height = 1;
   picture.bgra = {0xFF000000u};
@@ -455,7 +455,7 @@ TEST_F(PicturesConformance, SavingIntoAMissingFolderFailsAndMakesNothing) {
 
 TEST_F(PicturesConformance, SavingAnEmptyPictureIsAnInvalidCall) {
   try {
-    Use<Pictures>().SavePicture(ui::Pixels{}, folder_ + "WP.bmp");
+    Use<Pictures>().SavePicture(Pixels{}, folder_ + "WP.bmp");
     ADD_FAILURE() << "saved an empty picture";
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.Number(), FailureNumber::InvalidProcedureCall);
@@ -498,7 +498,7 @@ TEST_F(PicturesConformance, DebiansWallpapersDecodeToTheirTrueSize) {
     const std::string path = HostFile(folder + "/" + name);
     const auto [width, height] = DeclaredSize(ReadBytes(path));
     ASSERT_GT(width, 0) << name;
-    const ui::Pixels p = Use<Pictures>().LoadPicture(path);
+    const Pixels p = Use<Pictures>().LoadPicture(path);
     EXPECT_EQ(p.width, width) << name;
     EXPECT_EQ(p.height, height) << name;
     EXPECT_EQ(p.bgra.size(), static_cast<std::size_t>(width) * static_cast<std::size_t>(height));

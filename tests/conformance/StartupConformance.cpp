@@ -9,7 +9,7 @@
 
 #include "RegistryFixture.h"
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/DeviceContexts.h"

@@ -52,7 +52,7 @@ class KeepWallpaper {
 
 TEST(WallpaperConformance, SettingABitmapAsWallpaperMakesItTheSystemsWallpaper) {
   const std::string path = FreshTempFolder() + "WP.bmp";
-  ui::Pixels picture;
+  Pixels picture;
   picture.width = 4;
   picture.height = 3;
   picture.bgra.assign(12, 0xFF336699u);
@@ -68,7 +68,7 @@ TEST(WallpaperConformance, SettingABitmapAsWallpaperMakesItTheSystemsWallpaper) 
 
 TEST(WallpaperConformance, ASecondCallReplacesTheFirst) {
   const std::string folder = FreshTempFolder();
-  ui::Pixels picture;
+  Pixels picture;
   picture.width = 1;
   picture.height = 1;
   picture.bgra = {0xFF000000u};

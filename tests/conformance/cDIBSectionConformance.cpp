@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "DrawingDoubles.h"
-#include "core/Failure.h"
-#include "core/Random.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Random.h"
+#include "base/Text.h"
 #include "drawing/cDIBSection.h"
 #include "platform/Clipboard.h"
 #include "platform/DeviceContexts.h"

@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/Failure.h"
-#include "platform/BitmapFile.h"
+#include "base/Failure.h"
+#include "codecs/BitmapFile.h"
 
 namespace quorvane::platform {
 namespace {
 
-ui::Pixels Picture(std::int32_t width, std::int32_t height) {
-  ui::Pixels p;
+Pixels Picture(std::int32_t width, std::int32_t height) {
+  Pixels p;
   p.width = width;
   p.height = height;
   for (std::int32_t i = 0; i < width * height; ++i) {
@@ -28,7 +28,7 @@ std::uint32_t Get32(const std::vector<std::uint8_t>& b, std::size_t at) {
 }
 
 // The file as it must be, written out field by field and pixel by pixel.
-std::vector<std::uint8_t> Expected(const ui::Pixels& p) {
+std::vector<std::uint8_t> Expected(const Pixels& p) {
   const std::size_t rowBytes = (static_cast<std::size_t>(p.width) * 3 + 3) / 4 * 4;
   const std::size_t size = 54 + rowBytes * static_cast<std::size_t>(p.height);
   std::vector<std::uint8_t> out;
@@ -56,9 +56,9 @@ std::vector<std::uint8_t> Expected(const ui::Pixels& p) {
   return out;
 }
 
-std::vector<std::uint8_t> InPieces(const ui::Pixels& p, std::size_t bufferBytes,
+std::vector<std::uint8_t> InPieces(const Pixels& p, std::size_t bufferBytes,
                                    std::vector<std::size_t>* lengths = nullptr) {
-  BitmapFileEncoder encoder(p);
+  codecs::BitmapFileEncoder encoder(p);
   std::vector<std::uint8_t> buffer(bufferBytes);
   std::vector<std::uint8_t> file;
   while (!encoder.Done()) {
@@ -76,19 +76,19 @@ std::vector<std::uint8_t> InPieces(const ui::Pixels& p, std::size_t bufferBytes,
 
 TEST(BitmapFileTest, TheWholeFileHoldsTheHeadersAndTheRowsBottomUpPadded) {
   for (std::int32_t width = 1; width <= 5; ++width) {
-    const ui::Pixels p = Picture(width, 3);
-    const std::vector<std::uint8_t> file = BitmapFileBytes(p);
+    const Pixels p = Picture(width, 3);
+    const std::vector<std::uint8_t> file = codecs::BitmapFileBytes(p);
     EXPECT_EQ(file, Expected(p)) << width;
     EXPECT_EQ(Get32(file, 2), file.size());
-    EXPECT_EQ(BitmapFileEncoder(p).Size(), file.size());
+    EXPECT_EQ(codecs::BitmapFileEncoder(p).Size(), file.size());
   }
 }
 
 TEST(BitmapFileTest, PiecesOfAnyLengthJoinToTheSameFile) {
   for (std::int32_t width : {1, 2, 3, 4, 7, 33}) {
-    const ui::Pixels p = Picture(width, 9);
+    const Pixels p = Picture(width, 9);
     const std::vector<std::uint8_t> whole = Expected(p);
-    const std::size_t rowBytes = static_cast<std::size_t>(BitmapRowBytes(width));
+    const std::size_t rowBytes = static_cast<std::size_t>(codecs::BitmapRowBytes(width));
     for (std::size_t buffer : {std::size_t{1}, std::size_t{2}, std::size_t{5}, std::size_t{53},
                                std::size_t{54}, std::size_t{55}, rowBytes - 1, rowBytes,
                                rowBytes + 1, 2 * rowBytes + 3, 54 + rowBytes, whole.size() - 1,
@@ -100,7 +100,7 @@ TEST(BitmapFileTest, PiecesOfAnyLengthJoinToTheSameFile) {
 }
 
 TEST(BitmapFileTest, PiecesEndWithWholeRowsWhereverOneFits) {
-  const ui::Pixels p = Picture(5, 6);  // rows of 16 bytes
+  const Pixels p = Picture(5, 6);  // rows of 16 bytes
   std::vector<std::size_t> lengths;
   InPieces(p, 54 + 16 * 2 + 10, &lengths);
   EXPECT_EQ(lengths, (std::vector<std::size_t>{54 + 32, 64}));
@@ -111,13 +111,13 @@ TEST(BitmapFileTest, PiecesEndWithWholeRowsWhereverOneFits) {
 }
 
 TEST(BitmapFileTest, AnEmptyOrMismatchedPictureIsAnInvalidCall) {
-  ui::Pixels mismatched = Picture(3, 2);
+  Pixels mismatched = Picture(3, 2);
   mismatched.bgra.pop_back();
-  ui::Pixels negative = Picture(2, 2);
+  Pixels negative = Picture(2, 2);
   negative.height = -2;
-  for (const ui::Pixels& p : {ui::Pixels{}, mismatched, negative}) {
+  for (const Pixels& p : {Pixels{}, mismatched, negative}) {
     try {
-      BitmapFileEncoder encoder(p);
+      codecs::BitmapFileEncoder encoder(p);
       ADD_FAILURE() << "encoded a " << p.width << "x" << p.height << " picture";
     } catch (const Failure& failure) {
       EXPECT_EQ(failure.Number(), FailureNumber::InvalidProcedureCall);

@@ -5,10 +5,10 @@
 #include <functional>
 #include <vector>
 
-#include "core/Failure.h"
-#include "drawing/ByteView.h"
+#include "base/Failure.h"
+#include "base/ByteView.h"
 
-namespace quorvane::drawing {
+namespace quorvane {
 namespace {
 
 FailureNumber NumberOf(const std::function<void()>& work) {
@@ -57,4 +57,4 @@ TEST(ByteViewTest, AViewOverNothingCannotBeLaid) {
 }
 
 }  // namespace
-}  // namespace quorvane::drawing
+}  // namespace quorvane

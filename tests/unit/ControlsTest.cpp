@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "ui/Controls.h"
 
 namespace quorvane::ui {

@@ -9,7 +9,7 @@
 #include "RecordingRegistry.h"
 #include "ShellJournal.h"
 #include "appearance/Desktop.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/Service.h"
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableMessageBoxes.h"

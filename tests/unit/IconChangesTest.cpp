@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "IcoFiles.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "PortableServices.h"

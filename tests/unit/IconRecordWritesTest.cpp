@@ -15,7 +15,7 @@
 #include "IconRecordChain.h"
 #include "RecordingRegistry.h"
 #include "ShellJournal.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "icons/Catalogue.h"

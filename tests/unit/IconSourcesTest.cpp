@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "IcoFiles.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "icons/modextracticon.h"
 #include "platform/Icons.h"

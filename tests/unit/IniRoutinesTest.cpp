@@ -15,8 +15,8 @@
 #include <string>
 #include <system_error>
 
-#include "core/Failure.h"
-#include "core/Types.h"
+#include "base/Failure.h"
+#include "base/Types.h"
 #include "icons/modextracticon.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"

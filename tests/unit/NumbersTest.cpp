@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "core/Failure.h"
-#include "core/Numbers.h"
+#include "base/Failure.h"
+#include "base/Numbers.h"
 
 namespace quorvane {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "core/Random.h"
+#include "base/Random.h"
 
 namespace quorvane {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "AdvRegistryAccessProbe.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/portable/MemoryRegistry.h"
 
 namespace quorvane {

@@ -17,7 +17,7 @@
 #include <tuple>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "core/mdlTray.h"

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Pictures.h"

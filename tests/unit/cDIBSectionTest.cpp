@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/Failure.h"
-#include "core/Random.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Random.h"
+#include "base/Text.h"
 #include "drawing/cDIBSection.h"
 #include "platform/Service.h"
 #include "platform/portable/PortableClipboard.h"

@@ -13,10 +13,10 @@
 #include <optional>
 #include <vector>
 
-#include "core/Failure.h"
-#include "platform/BitmapFile.h"
-#include "platform/PictureFormats.h"
-#include "platform/BitmapDecoder.h"
+#include "base/Failure.h"
+#include "codecs/BitmapFile.h"
+#include "codecs/PictureFormats.h"
+#include "codecs/BitmapDecoder.h"
 #include "platform/portable/HostPath.h"
 
 namespace quorvane::platform::portable {
@@ -27,8 +27,8 @@ using Bytes = std::span<const std::uint8_t>;
 
 [[noreturn]] void RaiseInvalidPicture() { Raise(FailureNumber::InvalidPicture, "Invalid picture"); }
 
-ui::Pixels Sized(std::int64_t width, std::int64_t height, std::uint32_t fill) {
-  ui::Pixels pixels;
+Pixels Sized(std::int64_t width, std::int64_t height, std::uint32_t fill) {
+  Pixels pixels;
   pixels.width = static_cast<std::int32_t>(width);
   pixels.height = static_cast<std::int32_t>(height);
   pixels.bgra.assign(static_cast<std::size_t>(width * height), fill);
@@ -41,7 +41,7 @@ struct TurboJpegClose {
   void operator()(void* handle) const { tjDestroy(handle); }
 };
 
-std::optional<ui::Pixels> DecodeJpeg(Bytes bytes) {
+std::optional<Pixels> DecodeJpeg(Bytes bytes) {
   const std::unique_ptr<void, TurboJpegClose> handle(tjInitDecompress());
   if (!handle) return std::nullopt;
   int width = 0;
@@ -56,8 +56,8 @@ std::optional<ui::Pixels> DecodeJpeg(Bytes bytes) {
                           &colourSpace) != 0) {
     return std::nullopt;
   }
-  if (!DecodableSize(width, height)) return std::nullopt;
-  ui::Pixels pixels = Sized(width, height, 0);
+  if (!codecs::DecodableSize(width, height)) return std::nullopt;
+  Pixels pixels = Sized(width, height, 0);
   // Four bytes a pixel, blue first: one 0xAARRGGBB value on this little-endian host. A warning
   // (data cut short, a damaged segment) stops the reader; a progressive picture may have no more
   // scans than a real one would.
@@ -72,18 +72,18 @@ std::optional<ui::Pixels> DecodeJpeg(Bytes bytes) {
 
 // --- PNG --------------------------------------------------------------------------------------
 
-std::optional<ui::Pixels> DecodePng(Bytes bytes) {
+std::optional<Pixels> DecodePng(Bytes bytes) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) {
     return std::nullopt;
   }
-  if (!DecodableSize(image.width, image.height)) {
+  if (!codecs::DecodableSize(image.width, image.height)) {
     png_image_free(&image);
     return std::nullopt;
   }
   image.format = PNG_FORMAT_BGRA;
-  ui::Pixels pixels = Sized(image.width, image.height, 0);
+  Pixels pixels = Sized(image.width, image.height, 0);
   // On failure the reader has freed what it held.
   if (png_image_finish_read(&image, nullptr, pixels.bgra.data(), 0, nullptr) == 0) {
     return std::nullopt;
@@ -117,7 +117,7 @@ struct GifClose {
 
 // The first frame, laid on the logical screen at its place; what it doesn't cover, and its
 // transparent colour, are transparent.
-std::optional<ui::Pixels> DecodeGif(Bytes bytes) {
+std::optional<Pixels> DecodeGif(Bytes bytes) {
   GifSource source{bytes, 0};
   int error = 0;
   const std::unique_ptr<GifFileType, GifClose> gif(DGifOpen(&source, ReadGifBytes, &error));
@@ -151,10 +151,10 @@ std::optional<ui::Pixels> DecodeGif(Bytes bytes) {
   }
   const std::int64_t width = std::max<std::int64_t>(gif->SWidth, std::int64_t{frame.Left} + frame.Width);
   const std::int64_t height = std::max<std::int64_t>(gif->SHeight, std::int64_t{frame.Top} + frame.Height);
-  if (!DecodableSize(width, height) || !DecodableSize(frame.Width, frame.Height)) {
+  if (!codecs::DecodableSize(width, height) || !codecs::DecodableSize(frame.Width, frame.Height)) {
     return std::nullopt;
   }
-  ui::Pixels pixels = Sized(width, height, 0);
+  Pixels pixels = Sized(width, height, 0);
   std::vector<GifPixelType> line(static_cast<std::size_t>(frame.Width));
   // Interlaced rows come in four passes: every eighth from 0, every eighth from 4, every fourth
   // from 2, every second from 1.
@@ -186,12 +186,12 @@ std::optional<ui::Pixels> DecodeGif(Bytes bytes) {
 
 // --- icons and cursors ------------------------------------------------------------------------
 
-std::optional<ui::Pixels> DecodeIcon(Bytes bytes) {
-  const auto entries = ReadIconDirectory(bytes);
+std::optional<Pixels> DecodeIcon(Bytes bytes) {
+  const auto entries = codecs::ReadIconDirectory(bytes);
   if (!entries) return std::nullopt;
-  const IconDirectoryEntry& entry = LargestIconEntry(*entries);
+  const codecs::IconDirectoryEntry& entry = codecs::LargestIconEntry(*entries);
   const Bytes data = bytes.subspan(entry.offset, entry.size);
-  return entry.png ? DecodePng(data) : DecodeIconBitmap(data);
+  return entry.png ? DecodePng(data) : codecs::DecodeIconBitmap(data);
 }
 
 // --- files ------------------------------------------------------------------------------------
@@ -259,27 +259,27 @@ bool WriteAll(int fd, const std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
-ui::Pixels DecodePicture(std::span<const std::uint8_t> bytes) {
-  std::optional<ui::Pixels> pixels;
-  switch (KindOfPicture(bytes)) {
-    case PictureKind::Bitmap: pixels = DecodeBitmapFile(bytes); break;
-    case PictureKind::Gif: pixels = DecodeGif(bytes); break;
-    case PictureKind::Jpeg: pixels = DecodeJpeg(bytes); break;
-    case PictureKind::Png: pixels = DecodePng(bytes); break;
-    case PictureKind::Icon: pixels = DecodeIcon(bytes); break;
+Pixels DecodePicture(std::span<const std::uint8_t> bytes) {
+  std::optional<Pixels> pixels;
+  switch (codecs::KindOfPicture(bytes)) {
+    case codecs::PictureKind::Bitmap: pixels = codecs::DecodeBitmapFile(bytes); break;
+    case codecs::PictureKind::Gif: pixels = DecodeGif(bytes); break;
+    case codecs::PictureKind::Jpeg: pixels = DecodeJpeg(bytes); break;
+    case codecs::PictureKind::Png: pixels = DecodePng(bytes); break;
+    case codecs::PictureKind::Icon: pixels = DecodeIcon(bytes); break;
     default: break;
   }
   if (!pixels || pixels->Empty()) RaiseInvalidPicture();
   return std::move(*pixels);
 }
 
-ui::Pixels DecodedPictures::LoadPicture(const std::string& path) {
+Pixels DecodedPictures::LoadPicture(const std::string& path) {
   const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
   return DecodePicture(bytes);
 }
 
-void DecodedPictures::SavePicture(const ui::Pixels& picture, const std::string& path) {
-  const std::vector<std::uint8_t> bytes = BitmapFileBytes(picture);
+void DecodedPictures::SavePicture(const Pixels& picture, const std::string& path) {
+  const std::vector<std::uint8_t> bytes = codecs::BitmapFileBytes(picture);
   const std::string host = HostPath(path);
   // A new file beside the old one, named for this process, takes the old one's place at the end.
   const std::string scratch = host + "." + std::to_string(::getpid()) + ".saving";

@@ -13,12 +13,12 @@
 namespace quorvane::platform::portable {
 
 // Decodes a picture held in memory; throws InvalidPicture (481) for anything it can't decode.
-ui::Pixels DecodePicture(std::span<const std::uint8_t> bytes);
+Pixels DecodePicture(std::span<const std::uint8_t> bytes);
 
 class DecodedPictures final : public Pictures {
  public:
-  ui::Pixels LoadPicture(const std::string& path) override;
-  void SavePicture(const ui::Pixels& picture, const std::string& path) override;
+  Pixels LoadPicture(const std::string& path) override;
+  void SavePicture(const Pixels& picture, const std::string& path) override;
 };
 
 }  // namespace quorvane::platform::portable

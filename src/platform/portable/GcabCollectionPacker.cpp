@@ -12,7 +12,7 @@
 #include <map>
 #include <system_error>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/portable/HostPath.h"
 
 namespace quorvane::platform {

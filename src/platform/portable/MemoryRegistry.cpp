@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace quorvane::platform {
 

@@ -11,7 +11,7 @@ void PortableNotification::SetOption(std::int32_t number, std::int32_t value) {
   Note("option");
 }
 
-void PortableNotification::SetPicture(const ui::Pixels& picture) {
+void PortableNotification::SetPicture(const Pixels& picture) {
   picture_ = picture;
   Note("picture");
 }

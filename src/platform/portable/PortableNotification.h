@@ -15,17 +15,17 @@ class PortableNotification final : public Notification {
  public:
   struct Shown {
     std::string text;
-    ui::Pixels picture;
+    Pixels picture;
   };
 
   void SetOption(std::int32_t number, std::int32_t value) override;
-  void SetPicture(const ui::Pixels& picture) override;
+  void SetPicture(const Pixels& picture) override;
   void SetText(const std::string& text) override;
   void Show() override;
 
   // The settings in the order they were made.
   const std::vector<std::pair<std::int32_t, std::int32_t>>& Options() const { return options_; }
-  const ui::Pixels& Picture() const { return picture_; }
+  const Pixels& Picture() const { return picture_; }
   const std::string& Text() const { return text_; }
   const std::vector<Shown>& ShownSoFar() const { return shown_; }
   // Also writes each call ("notification option", "notification picture", "notification
@@ -36,7 +36,7 @@ class PortableNotification final : public Notification {
   void Note(const char* what);
 
   std::vector<std::pair<std::int32_t, std::int32_t>> options_;
-  ui::Pixels picture_;
+  Pixels picture_;
   std::string text_;
   std::vector<Shown> shown_;
   std::vector<std::string>* journal_ = nullptr;

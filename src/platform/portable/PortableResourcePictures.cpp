@@ -2,10 +2,10 @@
 
 namespace quorvane::platform {
 
-ui::Pixels PortableResourcePictures::LoadResPicture(std::int32_t number) {
+Pixels PortableResourcePictures::LoadResPicture(std::int32_t number) {
   ++loads_[number];
   const auto it = pictures_.find(number);
-  return it == pictures_.end() ? ui::Pixels{} : it->second;
+  return it == pictures_.end() ? Pixels{} : it->second;
 }
 
 int PortableResourcePictures::Loads(std::int32_t number) const {

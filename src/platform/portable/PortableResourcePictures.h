@@ -9,14 +9,14 @@ namespace quorvane::platform {
 
 class PortableResourcePictures final : public ResourcePictures {
  public:
-  ui::Pixels LoadResPicture(std::int32_t number) override;
+  Pixels LoadResPicture(std::int32_t number) override;
 
-  void Put(std::int32_t number, const ui::Pixels& picture) { pictures_[number] = picture; }
+  void Put(std::int32_t number, const Pixels& picture) { pictures_[number] = picture; }
   // How many loads asked for this number.
   int Loads(std::int32_t number) const;
 
  private:
-  std::map<std::int32_t, ui::Pixels> pictures_;
+  std::map<std::int32_t, Pixels> pictures_;
   std::map<std::int32_t, int> loads_;
 };
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "core/Text.h"
+#include "base/Text.h"
 
 namespace quorvane::platform::portable {
 

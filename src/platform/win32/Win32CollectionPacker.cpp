@@ -13,7 +13,7 @@
 #include <map>
 #include <set>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane::platform {
 

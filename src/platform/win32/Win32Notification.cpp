@@ -14,7 +14,7 @@ void Win32Notification::SetOption(std::int32_t number, std::int32_t value) {
   options_[number] = value;
 }
 
-void Win32Notification::SetPicture(const ui::Pixels& picture) { hasPicture_ = !picture.Empty(); }
+void Win32Notification::SetPicture(const Pixels& picture) { hasPicture_ = !picture.Empty(); }
 
 void Win32Notification::SetText(const std::string& text) { text_ = text; }
 

@@ -12,7 +12,7 @@ namespace quorvane::platform::win32 {
 class Win32Notification final : public Notification {
  public:
   void SetOption(std::int32_t number, std::int32_t value) override;
-  void SetPicture(const ui::Pixels& picture) override;
+  void SetPicture(const Pixels& picture) override;
   void SetText(const std::string& text) override;
   void Show() override;
 

@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/Failure.h"
-#include "platform/BitmapDecoder.h"
-#include "platform/BitmapFile.h"
-#include "platform/PictureFormats.h"
+#include "base/Failure.h"
+#include "codecs/BitmapDecoder.h"
+#include "codecs/BitmapFile.h"
+#include "codecs/PictureFormats.h"
 #include "platform/win32/GdiHandles.h"
 
 namespace quorvane::platform::win32 {
@@ -230,10 +230,10 @@ class Canvas {
 // The pixels of a plain bitmap picture, exactly as it holds them, into `into`, whose memory
 // is kept where the picture fits in it. False, and `into` as it was, when the bitmap can't be
 // read; false and `into` empty when the copy fails half-way.
-bool CopyBitmap(HBITMAP bitmap, ui::Pixels& into) {
+bool CopyBitmap(HBITMAP bitmap, Pixels& into) {
   BITMAP description{};
   if (::GetObjectA(bitmap, sizeof description, &description) == 0) return false;
-  if (!DecodableSize(description.bmWidth, description.bmHeight)) return false;
+  if (!codecs::DecodableSize(description.bmWidth, description.bmHeight)) return false;
   into.width = description.bmWidth;
   into.height = description.bmHeight;
   // Emptied first, so that growing copies nothing of the old picture.
@@ -250,7 +250,7 @@ bool CopyBitmap(HBITMAP bitmap, ui::Pixels& into) {
   const int rows = ::GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(into.height),
                                into.bgra.data(), &info, DIB_RGB_COLORS);
   if (rows != into.height) {
-    into = ui::Pixels{};
+    into = Pixels{};
     return false;
   }
   for (std::uint32_t& p : into.bgra) p |= 0xFF000000u;
@@ -264,7 +264,7 @@ std::int32_t ToPixels(OLE_XSIZE_HIMETRIC himetric, int dpi) {
 
 // Draws the picture at its pixel size. A transparent one is drawn twice, on black and on white:
 // where the two differ the picture lets the background through, and by how much tells its alpha.
-std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
+std::optional<Pixels> RenderPicture(IPicture* picture, bool transparent) {
   OLE_XSIZE_HIMETRIC hmWidth = 0;
   OLE_YSIZE_HIMETRIC hmHeight = 0;
   if (FAILED(picture->get_Width(&hmWidth)) || FAILED(picture->get_Height(&hmHeight))) {
@@ -285,7 +285,7 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
       height = description.bmHeight;
     }
   }
-  if (!DecodableSize(width, height)) return std::nullopt;
+  if (!codecs::DecodableSize(width, height)) return std::nullopt;
 
   Canvas canvas(screen.Get(), width, height);
   if (!canvas.Ready()) return std::nullopt;
@@ -295,7 +295,7 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
                                      -hmHeight, nullptr));
   };
   if (!draw(0x000000u)) return std::nullopt;
-  ui::Pixels pixels;
+  Pixels pixels;
   pixels.width = width;
   pixels.height = height;
   pixels.bgra = canvas.Take();
@@ -335,7 +335,7 @@ std::optional<ui::Pixels> RenderPicture(IPicture* picture, bool transparent) {
 
 // The picture the OLE loader makes of the bytes, into `into` (see CopyBitmap); false, and
 // `into` as it was, when the loader makes none.
-bool LoadWithOle(const GlobalBlock& bytes, ui::Pixels& into) {
+bool LoadWithOle(const GlobalBlock& bytes, Pixels& into) {
   Com<IStream> stream;
   if (!bytes.MakeStream(stream)) return false;
   Com<IPicture> picture;
@@ -354,7 +354,7 @@ bool LoadWithOle(const GlobalBlock& bytes, ui::Pixels& into) {
     if (FAILED(picture->get_Handle(&handle))) return false;
     return CopyBitmap(ToNative<HBITMAP>(static_cast<GdiHandle>(handle)), into);
   }
-  std::optional<ui::Pixels> drawn = RenderPicture(picture.Get(), transparent);
+  std::optional<Pixels> drawn = RenderPicture(picture.Get(), transparent);
   if (!drawn) return false;
   into = std::move(*drawn);
   return true;
@@ -374,7 +374,7 @@ class ComApartment {
   HRESULT result_;
 };
 
-std::optional<ui::Pixels> LoadWithImagingComponent(Bytes bytes) {
+std::optional<Pixels> LoadWithImagingComponent(Bytes bytes) {
   if (bytes.size() > 0xFFFFFFFFu) return std::nullopt;
   ComApartment apartment;
   Com<IWICImagingFactory> factory;
@@ -403,10 +403,10 @@ std::optional<ui::Pixels> LoadWithImagingComponent(Bytes bytes) {
   }
   UINT width = 0;
   UINT height = 0;
-  if (FAILED(converted->GetSize(&width, &height)) || !DecodableSize(width, height)) {
+  if (FAILED(converted->GetSize(&width, &height)) || !codecs::DecodableSize(width, height)) {
     return std::nullopt;
   }
-  ui::Pixels pixels;
+  Pixels pixels;
   pixels.width = static_cast<std::int32_t>(width);
   pixels.height = static_cast<std::int32_t>(height);
   pixels.bgra.resize(static_cast<std::size_t>(width) * height);
@@ -420,35 +420,35 @@ std::optional<ui::Pixels> LoadWithImagingComponent(Bytes bytes) {
 
 }  // namespace
 
-ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
-  std::optional<ui::Pixels> pixels = LoadWithImagingComponent(bytes);
+Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
+  std::optional<Pixels> pixels = LoadWithImagingComponent(bytes);
   if (!pixels || pixels->Empty()) RaiseInvalidPicture();
   return std::move(*pixels);
 }
 
-void Win32Pictures::LoadPictureInto(const std::string& path, ui::Pixels& picture) {
+void Win32Pictures::LoadPictureInto(const std::string& path, Pixels& picture) {
   GlobalBlock file = ReadWholeFile(path);
   Bytes bytes = file.View();
-  PictureKind kind = KindOfPicture(bytes);
-  if (kind == PictureKind::Bitmap && !DecodeBitmapFile(bytes)) RaiseInvalidPicture();
-  if (kind == PictureKind::Icon) {
-    const auto entries = ReadIconDirectory(bytes);
+  codecs::PictureKind kind = codecs::KindOfPicture(bytes);
+  if (kind == codecs::PictureKind::Bitmap && !codecs::DecodeBitmapFile(bytes)) RaiseInvalidPicture();
+  if (kind == codecs::PictureKind::Icon) {
+    const auto entries = codecs::ReadIconDirectory(bytes);
     if (!entries) RaiseInvalidPicture();
-    const IconDirectoryEntry& largest = LargestIconEntry(*entries);
-    if (!DecodableSize(largest.width, largest.height)) RaiseInvalidPicture();
+    const codecs::IconDirectoryEntry& largest = codecs::LargestIconEntry(*entries);
+    if (!codecs::DecodableSize(largest.width, largest.height)) RaiseInvalidPicture();
     if (largest.png) {
       // The image is a PNG file of its own, alpha and all: it is decoded as one, which gives
       // its pixels exactly rather than drawn on a background.
       file = GlobalBlock(bytes.subspan(largest.offset, largest.size));
-      kind = PictureKind::Png;
-    } else if (Read16(bytes, 4) != 1) {
-      file = GlobalBlock(Bytes(SingleEntryIconFile(bytes, largest)));
+      kind = codecs::PictureKind::Png;
+    } else if (codecs::Read16(bytes, 4) != 1) {
+      file = GlobalBlock(Bytes(codecs::SingleEntryIconFile(bytes, largest)));
     }
     bytes = file.View();
   }
   if (!bytes.empty() && LoadWithOle(file, picture) && !picture.Empty()) return;
-  if (kind == PictureKind::Png) {
-    std::optional<ui::Pixels> pixels = LoadWithImagingComponent(bytes);
+  if (kind == codecs::PictureKind::Png) {
+    std::optional<Pixels> pixels = LoadWithImagingComponent(bytes);
     if (pixels && !pixels->Empty()) {
       picture = std::move(*pixels);
       return;
@@ -457,15 +457,15 @@ void Win32Pictures::LoadPictureInto(const std::string& path, ui::Pixels& picture
   RaiseInvalidPicture();
 }
 
-ui::Pixels Win32Pictures::LoadPicture(const std::string& path) {
-  ui::Pixels picture;
+Pixels Win32Pictures::LoadPicture(const std::string& path) {
+  Pixels picture;
   LoadPictureInto(path, picture);
   return picture;
 }
 
-void Win32Pictures::SavePicture(const ui::Pixels& picture, const std::string& path) {
+void Win32Pictures::SavePicture(const Pixels& picture, const std::string& path) {
   // Checks the picture before anything is made on disk.
-  BitmapFileEncoder encoder(picture);
+  codecs::BitmapFileEncoder encoder(picture);
   // A new file beside the old one, named for this process, takes the old one's place at the end.
   const std::string scratch = path + "." + std::to_string(::GetCurrentProcessId()) + ".saving";
   FileHandle file(::CreateFileA(scratch.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,

@@ -15,13 +15,13 @@ namespace quorvane::platform::win32 {
 
 class Win32Pictures final : public Pictures {
  public:
-  ui::Pixels LoadPicture(const std::string& path) override;
-  void LoadPictureInto(const std::string& path, ui::Pixels& picture) override;
-  void SavePicture(const ui::Pixels& picture, const std::string& path) override;
+  Pixels LoadPicture(const std::string& path) override;
+  void LoadPictureInto(const std::string& path, Pixels& picture) override;
+  void SavePicture(const Pixels& picture, const std::string& path) override;
 };
 
 // The Windows Imaging Component's decoding of a picture in memory, as 32-bit pixels with alpha;
 // throws InvalidPicture (481) when it can't. The PNG path of LoadPicture.
-ui::Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes);
+Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes);
 
 }  // namespace quorvane::platform::win32

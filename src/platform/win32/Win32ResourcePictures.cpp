@@ -4,8 +4,8 @@
 
 namespace quorvane::platform {
 
-ui::Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
-  ui::Pixels pixels;
+Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
+  Pixels pixels;
   HBITMAP bitmap = static_cast<HBITMAP>(::LoadImageA(::GetModuleHandleA(nullptr),
                                                      MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0,
                                                      LR_CREATEDIBSECTION));
@@ -29,7 +29,7 @@ ui::Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
                                  pixels.bgra.data(), &info, DIB_RGB_COLORS);
     ::ReleaseDC(nullptr, screen);
     if (rows != pixels.height) {
-      pixels = ui::Pixels{};
+      pixels = Pixels{};
     } else {
       for (std::uint32_t& p : pixels.bgra) p |= 0xFF000000u;  // resource bitmaps are opaque
     }

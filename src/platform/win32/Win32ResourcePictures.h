@@ -6,7 +6,7 @@ namespace quorvane::platform {
 
 class Win32ResourcePictures final : public ResourcePictures {
  public:
-  ui::Pixels LoadResPicture(std::int32_t number) override;
+  Pixels LoadResPicture(std::int32_t number) override;
 };
 
 }  // namespace quorvane::platform

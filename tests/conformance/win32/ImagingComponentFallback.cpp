@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "PictureFiles.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/win32/Win32Pictures.h"
 
 namespace quorvane::testing {
@@ -21,7 +21,7 @@ std::span<const std::uint8_t> View(const std::string& bytes) {
 TEST(ImagingComponentFallback, DecodesAPngWithItsAlpha) {
   const std::vector<std::uint32_t> colours = {0x102030, 0x405060, 0x708090, 0xA0B0C0};
   const std::vector<std::uint8_t> alpha = {0xFF, 0x80, 0x00, 0xFF};
-  const ui::Pixels p =
+  const Pixels p =
       platform::win32::DecodeWithImagingComponent(View(pf::PngFile(2, 2, colours, alpha)));
   ASSERT_EQ(p.width, 2);
   ASSERT_EQ(p.height, 2);

@@ -21,7 +21,7 @@ TEST(PictureMemory, APictureThatFitsIsDecodedIntoTheMemoryAlreadyHeld) {
   ASSERT_TRUE(WriteBytes(file, picture_files::BitmapFile(32, 16, 24, colours)));
   platform::win32::Win32Pictures pictures;
 
-  ui::Pixels picture{64, 64, std::vector<std::uint32_t>(64 * 64, 0xFFFFFFFFu)};
+  Pixels picture{64, 64, std::vector<std::uint32_t>(64 * 64, 0xFFFFFFFFu)};
   const std::uint32_t* memory = picture.bgra.data();
   pictures.LoadPictureInto(file, picture);
   ASSERT_EQ(picture.width, 32);

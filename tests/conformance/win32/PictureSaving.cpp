@@ -9,7 +9,7 @@
 #include <string>
 
 #include "Support.h"
-#include "core/Failure.h"
+#include "base/Failure.h"
 #include "platform/win32/Win32Pictures.h"
 
 namespace quorvane::testing {
@@ -54,7 +54,7 @@ TEST(PictureSaving, AFailedReplaceLeavesTheOldFileWholeAndNothingBesideIt) {
                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   ASSERT_NE(reader, INVALID_HANDLE_VALUE);
 
-  ui::Pixels picture;
+  Pixels picture;
   picture.width = 640;
   picture.height = 480;
   picture.bgra.assign(640u * 480u, 0xFF336699u);

@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "ui/Controls.h"
+#include "base/Pixels.h"
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 namespace bitmap_file {
 inline constexpr std::uint32_t kFileHeaderSize = 14;
@@ -26,7 +26,7 @@ class BitmapFileEncoder {
  public:
   // Throws a Failure: InvalidProcedureCall for an empty picture or one whose pixels don't match
   // its size, Overflow when the file would pass the 4 GB its header can count.
-  explicit BitmapFileEncoder(const ui::Pixels& picture);
+  explicit BitmapFileEncoder(const Pixels& picture);
 
   // The length of the whole file.
   std::uint64_t Size() const { return fileBytes_; }
@@ -39,13 +39,13 @@ class BitmapFileEncoder {
  private:
   void PutHeaders(std::uint8_t* out) const;
 
-  const ui::Pixels& picture_;
+  const Pixels& picture_;
   std::uint64_t rowBytes_ = 0;
   std::uint64_t fileBytes_ = 0;
   std::uint64_t at_ = 0;  // bytes given so far
 };
 
 // The whole file for `picture` at once; its alpha is dropped. Throws as the encoder does.
-std::vector<std::uint8_t> BitmapFileBytes(const ui::Pixels& picture);
+std::vector<std::uint8_t> BitmapFileBytes(const Pixels& picture);
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs

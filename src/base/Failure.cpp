@@ -1,4 +1,4 @@
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane {
 

@@ -1,12 +1,12 @@
-#include "platform/BitmapFile.h"
+#include "codecs/BitmapFile.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 namespace {
 
@@ -39,7 +39,7 @@ std::uint64_t BitmapRowBytes(std::int64_t width) {
   return ((static_cast<std::uint64_t>(width) * 24u + 31u) / 32u) * 4u;
 }
 
-BitmapFileEncoder::BitmapFileEncoder(const ui::Pixels& picture) : picture_(picture) {
+BitmapFileEncoder::BitmapFileEncoder(const Pixels& picture) : picture_(picture) {
   const auto pixelCount =
       static_cast<std::uint64_t>(picture.width < 0 ? 0 : picture.width) *
       static_cast<std::uint64_t>(picture.height < 0 ? 0 : picture.height);
@@ -111,11 +111,11 @@ std::size_t BitmapFileEncoder::Next(std::span<std::uint8_t> out) {
   return given;
 }
 
-std::vector<std::uint8_t> BitmapFileBytes(const ui::Pixels& picture) {
+std::vector<std::uint8_t> BitmapFileBytes(const Pixels& picture) {
   BitmapFileEncoder encoder(picture);
   std::vector<std::uint8_t> out(static_cast<std::size_t>(encoder.Size()));
   encoder.Next(out);
   return out;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs

@@ -1,12 +1,12 @@
-#include "core/Numbers.h"
+#include "base/Numbers.h"
 
 #include <charconv>
 #include <cmath>
 #include <string>
 #include <system_error>
 
-#include "core/Failure.h"
-#include "core/Text.h"
+#include "base/Failure.h"
+#include "base/Text.h"
 
 namespace quorvane {
 

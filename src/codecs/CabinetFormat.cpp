@@ -1,11 +1,11 @@
-#include "platform/CabinetFormat.h"
+#include "codecs/CabinetFormat.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
 
-namespace quorvane::platform::cabinet {
+namespace quorvane::codecs::cabinet {
 
 namespace {
 
@@ -383,4 +383,4 @@ std::optional<std::string> Assemble(RandomFile& out, const std::vector<Piece>& p
   return std::nullopt;
 }
 
-}  // namespace quorvane::platform::cabinet
+}  // namespace quorvane::codecs::cabinet

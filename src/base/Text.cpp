@@ -1,10 +1,10 @@
-#include "core/Text.h"
+#include "base/Text.h"
 
 #include <cfenv>
 #include <cmath>
 #include <limits>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
 namespace quorvane::text {
 

@@ -1,4 +1,4 @@
-#include "core/Random.h"
+#include "base/Random.h"
 
 #include <bit>
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 enum class PictureKind { Unknown, Bitmap, Gif, Jpeg, Png, Icon, Metafile, EnhancedMetafile };
 
@@ -54,4 +54,4 @@ const IconDirectoryEntry& LargestIconEntry(const std::vector<IconDirectoryEntry>
 std::vector<std::uint8_t> SingleEntryIconFile(std::span<const std::uint8_t> bytes,
                                               const IconDirectoryEntry& entry);
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs

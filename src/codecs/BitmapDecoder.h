@@ -10,17 +10,17 @@
 #include <optional>
 #include <span>
 
-#include "ui/Controls.h"
+#include "base/Pixels.h"
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 // A bitmap file: BITMAPFILEHEADER, then a core, info or later header. The pixels are opaque, as
 // the platform shows a bitmap, whatever a 32-bit picture holds in its fourth byte.
-std::optional<ui::Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes);
+std::optional<Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes);
 
 // The bitmap of one icon or cursor image: an info header whose height counts the colour rows and
 // the mask's, a palette, the colour rows, the mask. Where the mask is set the pixel is
 // transparent (alpha 0); a 32-bit image that carries alpha keeps its own instead.
-std::optional<ui::Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data);
+std::optional<Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data);
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs

@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/Failure.h"
+#include "base/Failure.h"
 
-namespace quorvane::drawing {
+namespace quorvane {
 
 class ByteView {
  public:
@@ -47,4 +47,4 @@ class ByteView {
   std::int64_t rows_;
 };
 
-}  // namespace quorvane::drawing
+}  // namespace quorvane

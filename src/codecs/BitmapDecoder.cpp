@@ -1,13 +1,13 @@
-#include "platform/BitmapDecoder.h"
+#include "codecs/BitmapDecoder.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <vector>
 
-#include "platform/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 namespace {
 
@@ -137,8 +137,8 @@ std::uint32_t Channel(std::uint32_t value, std::uint32_t mask) {
   return (v * 255u + top / 2) / top;
 }
 
-ui::Pixels Blank(const DibHeader& h) {
-  ui::Pixels pixels;
+Pixels Blank(const DibHeader& h) {
+  Pixels pixels;
   pixels.width = static_cast<std::int32_t>(h.width);
   pixels.height = static_cast<std::int32_t>(h.height);
   pixels.bgra.assign(static_cast<std::size_t>(h.width * h.height), kOpaque);
@@ -147,7 +147,7 @@ ui::Pixels Blank(const DibHeader& h) {
 
 // Uncompressed rows from `at`: colours with their own alpha byte where 32-bit pixels carry one
 // (the caller decides whether it counts).
-bool ReadRows(Bytes bytes, std::size_t at, const DibHeader& h, ui::Pixels& out) {
+bool ReadRows(Bytes bytes, std::size_t at, const DibHeader& h, Pixels& out) {
   const std::uint64_t stride = Stride(h.width, h.bitCount);
   const std::uint64_t lastRow = (static_cast<std::uint64_t>(h.width) * h.bitCount + 7) / 8;
   const std::uint64_t needed = stride * static_cast<std::uint64_t>(h.height - 1) + lastRow;
@@ -198,7 +198,7 @@ bool ReadRows(Bytes bytes, std::size_t at, const DibHeader& h, ui::Pixels& out) 
 
 // Run-length coded rows from `at` to the end of the bytes, bottom-up. Pixels the coding skips
 // stay black. The data must end in its end-of-bitmap mark, or fill every row.
-bool ReadRunLengthRows(Bytes bytes, std::size_t at, const DibHeader& h, ui::Pixels& out) {
+bool ReadRunLengthRows(Bytes bytes, std::size_t at, const DibHeader& h, Pixels& out) {
   const bool four = h.compression == kRle4;
   const std::int64_t width = h.width;
   const std::int64_t height = h.height;
@@ -254,7 +254,7 @@ bool ReadRunLengthRows(Bytes bytes, std::size_t at, const DibHeader& h, ui::Pixe
 
 }  // namespace
 
-std::optional<ui::Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes) {
+std::optional<Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes) {
   if (!Has(bytes, 0, kFileHeaderSize) || bytes[0] != 'B' || bytes[1] != 'M') return std::nullopt;
   const std::optional<DibHeader> h = ReadHeader(bytes, kFileHeaderSize, false);
   if (!h) return std::nullopt;
@@ -264,7 +264,7 @@ std::optional<ui::Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes) 
   const std::size_t at = offBits == 0 ? h->end : offBits;
   if (at > bytes.size()) return std::nullopt;
 
-  ui::Pixels pixels = Blank(*h);
+  Pixels pixels = Blank(*h);
   const bool ok = (h->compression == kRle8 || h->compression == kRle4)
                       ? ReadRunLengthRows(bytes, at, *h, pixels)
                       : ReadRows(bytes, at, *h, pixels);
@@ -273,10 +273,10 @@ std::optional<ui::Pixels> DecodeBitmapFile(std::span<const std::uint8_t> bytes) 
   return pixels;
 }
 
-std::optional<ui::Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data) {
+std::optional<Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data) {
   const std::optional<DibHeader> h = ReadHeader(data, 0, true);
   if (!h) return std::nullopt;
-  ui::Pixels pixels = Blank(*h);
+  Pixels pixels = Blank(*h);
   if (!ReadRows(data, h->end, *h, pixels)) return std::nullopt;
 
   const bool ownAlpha =
@@ -304,4 +304,4 @@ std::optional<ui::Pixels> DecodeIconBitmap(std::span<const std::uint8_t> data) {
   return pixels;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs

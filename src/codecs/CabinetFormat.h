@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace quorvane::platform::cabinet {
+namespace quorvane::codecs::cabinet {
 
 // Compression of a folder's data, as a cabinet names it.
 inline constexpr std::uint16_t kStored = 0;
@@ -111,4 +111,4 @@ struct Piece {
 // records, then the data. Returns what went wrong, or nothing.
 std::optional<std::string> Assemble(RandomFile& out, const std::vector<Piece>& pieces);
 
-}  // namespace quorvane::platform::cabinet
+}  // namespace quorvane::codecs::cabinet

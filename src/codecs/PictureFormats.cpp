@@ -1,9 +1,9 @@
-#include "platform/PictureFormats.h"
+#include "codecs/PictureFormats.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace quorvane::platform {
+namespace quorvane::codecs {
 
 namespace {
 
@@ -136,4 +136,4 @@ std::vector<std::uint8_t> SingleEntryIconFile(std::span<const std::uint8_t> byte
   return out;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::codecs
