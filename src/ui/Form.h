@@ -1,0 +1,122 @@
+#pragma once
+// A form of the control model: a window of the program with its caption, size, border, picture
+// and visibility, the controls that belong to it, its events and its timers. Headless, the form
+// is the whole window: tests raise its events and read its controls. A binding (the Windows one
+// in src/ui/win32) shows any form as a real window and turns the window's events into the form's
+// routines, each run through RunEvent.
+//
+// Controls register themselves: a control made with a form as its owner is among the form's
+// Controls() from then on, in the order of construction.
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/Pixels.h"
+
+namespace quorvane::ui {
+
+class Control;
+class Timer;
+class FormObserver;
+
+// How a form's window is framed.
+enum class BorderStyle : std::int16_t {
+  None = 0,         // no frame and no caption bar
+  FixedSingle = 1,  // a thin frame with a caption bar and a close box
+  FixedDialog = 3,  // a dialog frame with a caption bar and a close box
+};
+
+// Why a form is asked to unload.
+inline constexpr std::int16_t kUnloadFromMenu = 0;         // system menu, Alt+F4, the close box
+inline constexpr std::int16_t kUnloadFromCode = 1;         // the program's own code
+inline constexpr std::int16_t kUnloadAtSessionEnd = 2;     // log-off or shutdown
+inline constexpr std::int16_t kUnloadFromTaskManager = 3;  // the task manager
+
+class Form {
+ public:
+  explicit Form(std::string name);
+  virtual ~Form();
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  // The system's name of the form ("FrmMain").
+  const std::string& Name() const { return name_; }
+
+  std::string Caption;
+  // The inside of the window, in twips.
+  std::int32_t Width = 0;
+  std::int32_t Height = 0;
+  BorderStyle Border = BorderStyle::None;
+  // The picture drawn behind the controls; empty, the form is plain.
+  Pixels Picture;
+  // The real window and the window's own icon, once a binding made them; 0 headless.
+  std::uint32_t hWnd = 0;
+  std::uint32_t Icon = 0;
+
+  bool Visible() const { return visible_; }
+  // Shows or hides the form's window; its load routine does not run again for either.
+  void Visible(bool value);
+  // Set while the form is loaded, from its load routine to its unloading.
+  bool Loaded() const { return loaded_; }
+
+  // --- events ---------------------------------------------------------------------------------
+  // The load routine: once, when the form is loaded, before it is first shown.
+  virtual void Form_Load() {}
+  // Each time the form becomes the active window.
+  virtual void Form_Activate() {}
+  // A request to unload; setting Cancel to non-zero keeps the form loaded.
+  virtual void Form_QueryUnload(std::int16_t& /*Cancel*/, std::int16_t /*UnloadMode*/) {}
+  // The form is unloading; its window goes after this.
+  virtual void Form_Unload(std::int16_t& /*Cancel*/) {}
+  // Events of the form's own surface (button, shift, x and y in twips).
+  virtual void Form_MouseDown(std::int16_t /*Button*/, std::int16_t /*Shift*/, float /*X*/,
+                              float /*Y*/) {}
+  virtual void Form_MouseMove(std::int16_t /*Button*/, std::int16_t /*Shift*/, float /*X*/,
+                              float /*Y*/) {}
+
+  // Loads the form when it is not loaded: Loaded() becomes true and Form_Load runs.
+  void Load();
+  // Unloads the form from its own code: the binding's window goes and Loaded() is false after.
+  void Unload();
+
+  // --- controls -------------------------------------------------------------------------------
+  // Every control of the form, in the order they were made.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  // The control of that name (and index, for an element of a control array); null if none.
+  Control* FindControl(const std::string& name, std::int32_t index = -1) const;
+  // The form's timers, which its binding runs.
+  std::vector<Timer*> Timers() const;
+
+  // A binding watches the form's own properties through this.
+  void Observe(FormObserver* observer) { observer_ = observer; }
+
+ private:
+  friend class Control;
+  void Register(Control& control);
+  void Forget(Control& control);
+
+  std::string name_;
+  bool visible_ = false;
+  bool loaded_ = false;
+  std::vector<Control*> controls_;
+  FormObserver* observer_ = nullptr;
+};
+
+// What a binding is told about its form.
+class FormObserver {
+ public:
+  virtual ~FormObserver() = default;
+  virtual void VisibleChanged(Form& form) = 0;
+  virtual void Unloaded(Form& form) = 0;
+};
+
+// --- events through the top-level report ------------------------------------------------------
+// Every binding and every headless driver runs a form's event handlers through RunEvent, so that a
+// failure that comes out of one meets the one top-level report the system installs. With none
+// installed the failure goes on to the caller.
+using EventRunner = std::function<void(Form& form, const std::function<void()>& handler)>;
+void InstallEventRunner(EventRunner runner);
+void RunEvent(Form& form, const std::function<void()>& handler);
+
+}  // namespace quorvane::ui
