@@ -7,7 +7,9 @@
 //                and the program goes on with the next event.
 //
 // Failures are the system's Failure and the standard library's own exceptions, which are taken the
-// same way.
+// same way. Where nothing at all may get out (a destructor, a routine that never fails), the
+// first argument kAnything makes ResumeEach and AsResult take whatever is thrown.
+#include <concepts>
 #include <exception>
 #include <functional>
 #include <string>
@@ -18,6 +20,10 @@ class Form;
 }
 
 namespace quorvane::core {
+
+// Whatever is thrown, failures or not.
+struct Anything {};
+inline constexpr Anything kAnything{};
 
 // Runs each step in order; a failure of one step is passed over, and the next one runs.
 template <class... Steps>
@@ -31,12 +37,36 @@ void ResumeEach(Steps&&... steps) {
   (run(std::forward<Steps>(steps)), ...);
 }
 
+// The same, passing over whatever a step throws.
+template <class... Steps>
+void ResumeEach(Anything, Steps&&... steps) noexcept {
+  const auto run = [](auto&& step) noexcept {
+    try {
+      step();
+    } catch (...) {
+    }
+  };
+  (run(std::forward<Steps>(steps)), ...);
+}
+
 // The routine's value, or `fallback` when it fails.
 template <class T, class Routine>
+  requires(!std::invocable<T&>)
 T AsResult(Routine&& routine, T fallback) {
   try {
     return std::forward<Routine>(routine)();
   } catch (const std::exception&) {
+    return fallback;
+  }
+}
+
+// The same, `fallback` for whatever the routine throws.
+template <class T, class Routine>
+  requires(!std::invocable<T&>)
+T AsResult(Anything, Routine&& routine, T fallback) {
+  try {
+    return std::forward<Routine>(routine)();
+  } catch (...) {
     return fallback;
   }
 }
@@ -48,6 +78,20 @@ bool AsResult(Routine&& routine) {
     std::forward<Routine>(routine)();
     return true;
   } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// True when the routine ran through. When it failed, `onFailure` runs while the failure is still
+// being handled, so that ReportError can tell which failure it was, and the result is false.
+template <class Routine, class OnFailure>
+  requires std::invocable<OnFailure&>
+bool AsResult(Routine&& routine, OnFailure&& onFailure) {
+  try {
+    std::forward<Routine>(routine)();
+    return true;
+  } catch (const std::exception&) {
+    onFailure();
     return false;
   }
 }
