@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "base/Failure.h"
+#include "base/Int16.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "platform/MessageBoxes.h"
@@ -46,21 +46,6 @@ void SendSettingChange() {
                               kBroadcastTimeout, result);
 }
 
-// A number text turned into a 16-bit integer: no number is a type mismatch, beyond 16 bits an
-// overflow.
-std::int16_t Integer16(const std::string& value) {
-  const std::int32_t n = StrictLong(value);
-  if (n < INT16_MIN || n > INT16_MAX) RaiseOverflow();
-  return static_cast<std::int16_t>(n);
-}
-
-// A 16-bit sum: beyond 16 bits is an overflow.
-std::int16_t Add16(std::int16_t a, std::int16_t b) {
-  const std::int32_t sum = static_cast<std::int32_t>(a) + static_cast<std::int32_t>(b);
-  if (sum < INT16_MIN || sum > INT16_MAX) RaiseOverflow();
-  return static_cast<std::int16_t>(sum);
-}
-
 }  // namespace
 
 void RefreshDesktopView() {
@@ -80,7 +65,9 @@ void BroadcastShellChange() {
 
 void ToggleShellIconSize() {
   const std::string kept = GetRegistryText(reg::kCurrentUser, kWindowMetrics, kShellIconSize);
-  const std::int16_t bigger = Add16(Integer16(kept), 1);
+  // The size is a 16-bit integer, and so is the sum: no number is a type mismatch, beyond 16 bits
+  // an overflow, before anything is written.
+  const std::int16_t bigger = CheckedInt16(CheckedInt16(StrictLong(kept)) + 1);
   SetRegistryText(reg::kCurrentUser, kWindowMetrics, kShellIconSize, std::to_string(bigger));
   SendSettingChange();
   SetRegistryText(reg::kCurrentUser, kWindowMetrics, kShellIconSize, kept);

@@ -2,9 +2,9 @@
 
 #include <cfenv>
 #include <cmath>
-#include <limits>
 
 #include "base/Failure.h"
+#include "base/Int16.h"
 
 namespace quorvane::text {
 
@@ -166,10 +166,7 @@ std::int32_t ValHex(std::string_view digits) {
 }
 
 std::int16_t CheckedLength16(std::string_view s) {
-  if (s.size() > static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max())) {
-    RaiseOverflow();
-  }
-  return static_cast<std::int16_t>(s.size());
+  return CheckedInt16(static_cast<std::int64_t>(s.size()));
 }
 
 std::int64_t RoundHalfEven(double value) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "base/Failure.h"
+#include "base/Int16.h"
 #include "core/FrmMain.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
@@ -34,8 +34,7 @@ std::int16_t ImageNumberOf(const ui::TagValue& tag) {
   std::int32_t number = 0;
   if (const auto* value = std::get_if<std::int32_t>(&tag)) number = *value;
   if (const auto* text = std::get_if<std::string>(&tag)) number = StrictLong(*text);
-  if (number < -32768 || number > 32767) RaiseOverflow();
-  return static_cast<std::int16_t>(number);
+  return CheckedInt16(number);
 }
 
 // The busy display of a write: the hourglass and FrmWorking, with a yield so that they show.

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/Int16.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "base/Numbers.h"
@@ -24,11 +25,6 @@ namespace quorvane {
 namespace {
 
 void DoEvents() { platform::Use<platform::EventLoop>().DoEvents(); }
-
-std::int16_t Checked16(std::int32_t value) {
-  if (value < -32768 || value > 32767) RaiseOverflow();
-  return static_cast<std::int16_t>(value);
-}
 
 constexpr char kDesktopKey[] = "HKEY_CURRENT_USER\\Control Panel\\Desktop";
 constexpr std::uint32_t kSetDeskWallpaper = 20;
@@ -109,7 +105,7 @@ void FrmMain::EmptyThumbnailStrip() {
 // top-level report, and the next tick works again.
 void FrmMain::Timer1_Timer() {
   if (gWallpaperEnable == kFalse) return;
-  mTickCount = Checked16(mTickCount + 1);
+  mTickCount = CheckedInt16(mTickCount + 1);
   if (mTickCount < gWallpaperInterval) return;
   mTickCount = 0;
 
@@ -117,12 +113,12 @@ void FrmMain::Timer1_Timer() {
   const std::string index = data + "Files.ini";
   const std::string total = ReadIniValue("Count", "Total", index);
   if (gWallpaperOrder == 1) {
-    mCurrentIndex = mCurrentIndex < StrictLong(total) ? Checked16(mCurrentIndex + 1)
+    mCurrentIndex = mCurrentIndex < StrictLong(total) ? CheckedInt16(mCurrentIndex + 1)
                                                       : std::int16_t{1};
   } else {
     // Unseeded on this path: each run draws the generator's own sequence.
     const double draw = static_cast<double>(StrictLong(total)) * random::Rnd();
-    mCurrentIndex = Checked16(static_cast<std::int32_t>(std::floor(draw)) + 1);
+    mCurrentIndex = CheckedInt16(static_cast<std::int32_t>(std::floor(draw)) + 1);
   }
   const std::string entry = ReadIniValue("Files", std::to_string(mCurrentIndex), index);
   if (text::Trim(entry).empty()) return;

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/Failure.h"
+#include "base/Int16.h"
 #include "core/FrmMain.h"
 #include "base/Text.h"
 #include "platform/ProfileFiles.h"
@@ -66,9 +67,7 @@ std::string Narrow(const std::u16string& wide) {
 
 // A 16-bit product, as the system computes it: beyond 16 bits is an overflow.
 std::int16_t Times15(std::int16_t value) {
-  const std::int32_t product = static_cast<std::int32_t>(value) * ui::kTwipsPerPixel;
-  if (product > INT16_MAX || product < INT16_MIN) RaiseOverflow();
-  return static_cast<std::int16_t>(product);
+  return CheckedInt16(static_cast<std::int32_t>(value) * ui::kTwipsPerPixel);
 }
 
 }  // namespace
@@ -150,9 +149,7 @@ std::int16_t StageIconImage(const std::string& Path, std::int32_t Number) {
   Icons().DrawIconEx(form.mIcon.hDC(), 1, 1, large, 0, 0, 0, 0, platform::icons::kDiNormal);
   Icons().DestroyIcon(small);
   Icons().DestroyIcon(large);
-  const std::int32_t next = form.ILicons.Count() + 1;
-  if (next > INT16_MAX) RaiseOverflow();
-  const auto number = static_cast<std::int16_t>(next);
+  const std::int16_t number = CheckedInt16(form.ILicons.Count() + 1);
   form.ILicons.Add(std::string(), form.mIcon.Image());
   form.sIcon.AutoRedraw(false);
   form.mIcon.AutoRedraw(false);

@@ -1,8 +1,6 @@
 #include "stores/iniReadWrite.h"
 
-#include <limits>
-
-#include "base/Failure.h"
+#include "base/Int16.h"
 #include "base/Text.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"
@@ -23,13 +21,8 @@ std::string ReadIniValue(const std::string& section, const std::string& key,
 
 std::int16_t WriteIniValue(const std::string& section, const std::string& key,
                            const std::string& value, const std::string& file) {
-  const std::int32_t result = platform::Use<platform::ProfileFiles>().WritePrivateProfileStringA(
-      section.c_str(), key.c_str(), value.c_str(), file.c_str());
-  if (result < std::numeric_limits<std::int16_t>::min() ||
-      result > std::numeric_limits<std::int16_t>::max()) {
-    RaiseOverflow();
-  }
-  return static_cast<std::int16_t>(result);
+  return CheckedInt16(platform::Use<platform::ProfileFiles>().WritePrivateProfileStringA(
+      section.c_str(), key.c_str(), value.c_str(), file.c_str()));
 }
 
 }  // namespace quorvane

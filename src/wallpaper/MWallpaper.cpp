@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Failure.h"
+#include "base/Int16.h"
 #include "core/MainModule.h"
 #include "base/Text.h"
 #include "platform/CollectionPacker.h"
@@ -24,11 +25,6 @@ std::int16_t gWallpaperPosition = 0;
 namespace {
 
 platform::FileSystem& Files() { return platform::Use<platform::FileSystem>(); }
-
-std::int16_t Checked16(std::int32_t value) {
-  if (value < -32768 || value > 32767) RaiseOverflow();
-  return static_cast<std::int16_t>(value);
-}
 
 }  // namespace
 
@@ -95,7 +91,7 @@ void RebuildFilesIni(ui::TreeView& tree) {
     for (const std::string& file : files) {
       if (file != "Thumbs.db") {
         WriteIniValue("Files", std::to_string(counter), name + "\\" + file, index);
-        counter = Checked16(counter + 1);
+        counter = CheckedInt16(counter + 1);
       }
       platform::Use<platform::EventLoop>().DoEvents();
     }
@@ -107,9 +103,9 @@ void RebuildFilesIni(ui::TreeView& tree) {
 void LoadWallpaperSettings(const std::string& key) {
   AdvRegistryAccess reg;
   gWallpaperEnable = ToBoolean(reg.ReadDWORD(key, "Enable", 1) != 0);
-  gWallpaperInterval = Checked16(reg.ReadDWORD(key, "TimeInterval", 5));
-  gWallpaperOrder = Checked16(reg.ReadDWORD(key, "ChangeOrder", 1));
-  gWallpaperPosition = Checked16(reg.ReadDWORD(key, "Position", 1));
+  gWallpaperInterval = CheckedInt16(reg.ReadDWORD(key, "TimeInterval", 5));
+  gWallpaperOrder = CheckedInt16(reg.ReadDWORD(key, "ChangeOrder", 1));
+  gWallpaperPosition = CheckedInt16(reg.ReadDWORD(key, "Position", 1));
 }
 
 }  // namespace quorvane
