@@ -1,10 +1,10 @@
 // FrmMain: the load routine, and the page and zone switches it ends with.
 #include <cstdlib>
-#include <exception>
 
-#include "base/Failure.h"
+#include "base/Int16.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
+#include "core/Regimes.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "core/mdlTray.h"
@@ -26,13 +26,6 @@ constexpr char kShellIcons[] =
 
 void DoEvents() { platform::Use<platform::EventLoop>().DoEvents(); }
 
-// A number text read into a 16-bit integer.
-std::int16_t Integer16(const std::string& value) {
-  const std::int32_t n = StrictLong(value);
-  if (n < -32768 || n > 32767) RaiseOverflow();
-  return static_cast<std::int16_t>(n);
-}
-
 // A spacing value as the spin edits count it: (|value| - 495) / 15 + 1, rounded.
 std::int32_t SpacingSteps(std::int32_t value) {
   const double steps = (std::abs(static_cast<double>(value)) - 495.0) / 15.0 + 1.0;
@@ -42,7 +35,7 @@ std::int32_t SpacingSteps(std::int32_t value) {
 }  // namespace
 
 void FrmMain::Form_Load() {
-  try {
+  const auto load = [&] {
     // The tray icon: a stale one of this process never doubles.
     core::RemoveFromTray();
     std::uint32_t popup = PicPopup.hWnd;
@@ -84,7 +77,8 @@ void FrmMain::Form_Load() {
       Slider.Enabled(false);
       LblAppearanceMsg.Visible(true);
     }
-    mIconSize = Integer16(Reg().ReadString(kWindowMetrics, "Shell Icon Size", "32"));
+    mIconSize =
+        CheckedInt16(StrictLong(Reg().ReadString(kWindowMetrics, "Shell Icon Size", "32")));
     Slider.Value(static_cast<std::int32_t>(text::RoundHalfEven(mIconSize / 16.0)));
     DoEvents();
     DoEvents();
@@ -105,22 +99,16 @@ void FrmMain::Form_Load() {
       CmdMenu[2].Visible(false);
       CmdMenu[3].Top(CmdMenu[2].Top());
     }
-  } catch (const std::exception&) {
-    core::ReportError("FrmMain", "Form_Load");
-  }
+  };
+  // The load routine's one error path: a failure ends it, with a line in the log.
+  core::AsResult(load, [] { core::ReportError("FrmMain", "Form_Load"); });
 }
 
 void FrmMain::CmdWindow_Click() {
   // Failures here are passed over statement by statement.
-  auto step = [](auto&& statement) {
-    try {
-      statement();
-    } catch (const std::exception&) {
-    }
-  };
   if (!(CategoryClickY > 15) || !(CategoryClickY < 340)) return;
   for (ui::TreeView* tree : {&TvDesktop, &TvStartMenu, &TvExplore, &TvFileType, &TvControlPanel}) {
-    step([&] { tree->Visible(false); });
+    core::ResumeEach([&] { tree->Visible(false); });
   }
 
   struct Zone {
@@ -138,10 +126,13 @@ void FrmMain::CmdWindow_Click() {
   };
   for (const Zone& zone : zones) {
     if (CategoryClickX > zone.above && CategoryClickX < zone.below) {
-      step([&] { CmdWindow.Picture(platform::Use<platform::ResourcePictures>().LoadResPicture(zone.picture)); });
-      step([&] { LblIconCat.Caption(zone.caption); });
-      step([&] { zone.tree->Visible(true); });
-      step([&] { (this->*zone.click)(); });
+      core::ResumeEach(
+          [&] {
+            CmdWindow.Picture(
+                platform::Use<platform::ResourcePictures>().LoadResPicture(zone.picture));
+          },
+          [&] { LblIconCat.Caption(zone.caption); }, [&] { zone.tree->Visible(true); },
+          [&] { (this->*zone.click)(); });
       return;
     }
   }

@@ -1,10 +1,10 @@
 // FrmMain: a click on a node of a catalogue tree shows the icon of the node's row in the
 // preview boxes. TvDesktop's routine passes over its failures statement by statement; the
 // other four let a failure end the routine.
-#include <exception>
 #include <vector>
 
 #include "core/FrmMain.h"
+#include "core/Regimes.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "icons/modextracticon.h"
@@ -12,17 +12,6 @@
 namespace quorvane {
 
 namespace {
-
-// Runs one statement, passing over its failure.
-template <class Statement>
-bool Guarded(Statement&& statement) {
-  try {
-    statement();
-    return true;
-  } catch (const std::exception&) {
-    return false;
-  }
-}
 
 // Finds the row of the selected node, reading the node anew for each row; at the first equal
 // row, previews its Current without adding to ILicons.
@@ -41,19 +30,21 @@ void PreviewSelectedRow(FrmMain& form, ui::TreeView& tree) {
 
 void FrmMain::TvDesktop_Click() {
   for (IconRecord& record : IconRecords) {
+    // A row whose comparison fails is passed over.
     bool equal = false;
-    if (!Guarded([&] { equal = TvDesktop.Item(TvDesktop.SelectedItem()).Text == record.Name; })) {
+    if (!core::AsResult(
+            [&] { equal = TvDesktop.Item(TvDesktop.SelectedItem()).Text == record.Name; })) {
       continue;
     }
     if (!equal) continue;
     std::vector<std::string> pieces;
     std::int32_t number = 0;
-    Guarded([&] { pieces = text::Split(record.Current, ","); });
-    Guarded([&] { number = StrictLong(text::Piece(pieces, 1)); });
-    Guarded([&] {
-      std::int16_t add = 0;
-      AddIconImage(text::Piece(pieces, 0), number, add);
-    });
+    core::ResumeEach([&] { pieces = text::Split(record.Current, ","); },
+                     [&] { number = StrictLong(text::Piece(pieces, 1)); },
+                     [&] {
+                       std::int16_t add = 0;
+                       AddIconImage(text::Piece(pieces, 0), number, add);
+                     });
     return;
   }
 }

@@ -8,6 +8,7 @@
 
 #include "base/Failure.h"
 #include "core/FrmMain.h"
+#include "core/Regimes.h"
 #include "base/Text.h"
 #include "platform/FileSystem.h"
 #include "platform/Process.h"
@@ -105,24 +106,25 @@ void ShowMain() {
 }
 
 std::string GetSpecialFolder(std::int32_t folderId) {
-  try {
-    platform::SystemInfo& system = platform::Use<platform::SystemInfo>();
-    platform::ItemIdList list = 0;
-    // The item list is not freed.
-    if (system.SHGetSpecialFolderLocation(0, folderId, list) == 0) {
-      std::string path(255, '\0');
-      if (system.SHGetPathFromIDListA(list, path) != 0) {
-        return path.substr(0, path.find('\0')) + "\\";
-      }
-    }
-  } catch (const std::exception&) {
-    // Any failure gives the empty text.
-  }
-  return std::string();
+  // Any failure gives the empty text.
+  return AsResult(
+      [&] {
+        platform::SystemInfo& system = platform::Use<platform::SystemInfo>();
+        platform::ItemIdList list = 0;
+        // The item list is not freed.
+        if (system.SHGetSpecialFolderLocation(0, folderId, list) == 0) {
+          std::string path(255, '\0');
+          if (system.SHGetPathFromIDListA(list, path) != 0) {
+            return path.substr(0, path.find('\0')) + "\\";
+          }
+        }
+        return std::string();
+      },
+      std::string());
 }
 
 Boolean CreateDefaultFolder() {
-  try {
+  const bool made = AsResult([] {
     platform::FileSystem& files = platform::Use<platform::FileSystem>();
     const std::string p = gDataFolder;
     MakeFolderIfMissing(files, p + "Talvenor");
@@ -131,15 +133,12 @@ Boolean CreateDefaultFolder() {
     gDataFolder = p + "Talvenor\\Mirefold\\Quorvane\\";
     if (!files.FileExists(gDataFolder + "Empty.ico")) ExtractResourceFile("Empty.ico");
     CreateRegistryPath(ProductKey);
-    return kTrue;
-  } catch (const std::exception&) {
-    try {
-      gDataFolder = platform::Use<platform::SystemInfo>().ExecutableFolder();
-    } catch (const std::exception&) {
-      gDataFolder.clear();
-    }
-    return kFalse;
-  }
+  });
+  if (made) return kTrue;
+  // The executable's folder instead; nothing when even that can't be had.
+  gDataFolder = AsResult(
+      [] { return platform::Use<platform::SystemInfo>().ExecutableFolder(); }, std::string());
+  return kFalse;
 }
 
 void ExtractResourceFile(const std::string& fileName) {
@@ -157,17 +156,14 @@ void ExtractResourceFile(const std::string& fileName) {
 }
 
 Boolean CreateRegistryPath(const std::string& fullKey) {
-  try {
+  return ToBoolean(AsResult([&] {
     AdvRegistryAccess& reg = MainWindow().Reg();
     std::string path;
     for (const std::string& segment : text::Split(fullKey, "\\")) {
       path += segment + "\\";
       if (reg.KeyExists(path) == kFalse) reg.CreateKey(path);
     }
-    return kTrue;
-  } catch (const std::exception&) {
-    return kFalse;
-  }
+  }));
 }
 
 std::string GetOSName() {
@@ -203,7 +199,8 @@ Boolean IsVista() {
 
 void ReportError(const std::string& moduleName, const std::string& routineName,
                  std::int32_t line) noexcept {
-  try {
+  // The report itself never fails. The failure it describes is still the one being handled.
+  ResumeEach(kAnything, [&] {
     std::int32_t number = 0;
     std::string description;
     DescribeCurrentFailure(number, description);
@@ -215,9 +212,7 @@ void ReportError(const std::string& moduleName, const std::string& routineName,
                               "\terror " + std::to_string(number) + "\t" +
                               OneLine(description) + "\r\n";
     platform::Use<platform::FileSystem>().Append(folder + kErrorLogName, entry);
-  } catch (...) {
-    // The report itself never fails.
-  }
+  });
 }
 
 }  // namespace quorvane::core

@@ -6,6 +6,7 @@
 #include "base/Failure.h"
 #include "base/Random.h"
 #include "base/ByteView.h"
+#include "core/Regimes.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
@@ -39,10 +40,7 @@ std::uint8_t RandomByte() { return RoundToByte(random::Rnd() * 255.0f); }
 
 cDIBSection::~cDIBSection() {
   // The object's end frees what it holds; a failure here has nowhere to go.
-  try {
-    ClearUp();
-  } catch (...) {
-  }
+  core::ResumeEach(core::kAnything, [&] { ClearUp(); });
 }
 
 Boolean cDIBSection::CopyToClipboard(Boolean bAsDIB) {

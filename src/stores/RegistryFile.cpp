@@ -5,6 +5,7 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
+#include "core/Regimes.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"
 #include "platform/Service.h"
@@ -46,11 +47,9 @@ class AppendFile {
   bool Flush() noexcept {
     if (!open_) return true;
     open_ = false;
-    try {
-      return platform::Use<platform::FileSystem>().Append(path_, pending_);
-    } catch (...) {
-      return false;
-    }
+    return core::AsResult(
+        core::kAnything,
+        [&] { return platform::Use<platform::FileSystem>().Append(path_, pending_); }, false);
   }
 
   std::string path_;
@@ -69,7 +68,7 @@ std::string CleanLine(const std::string& line) {
 
 std::int32_t AdvRegistryAccess::ExportToReg(std::string sPath, std::string sRegFile,
                                             Boolean IncludeSubkeys) {
-  try {
+  const auto exportAll = [&]() -> std::int32_t {
     auto& files = platform::Use<platform::FileSystem>();
     if (files.FileExists(sRegFile)) return 0;  // an export never replaces a file
     if (!files.WriteAll(sRegFile, std::string(kHeader) + kCrLf + kCrLf)) return 0;
@@ -77,15 +76,14 @@ std::int32_t AdvRegistryAccess::ExportToReg(std::string sPath, std::string sRegF
     // The public call passes an empty text box, which the worker counts as passed.
     ExportKey(sPath, sRegFile, IncludeSubkeys, std::optional<TextBox*>(nullptr), result);
     return result == kTrue ? 1 : 0;
-  } catch (const std::exception&) {
-    return 0;
-  }
+  };
+  return core::AsResult(exportAll, std::int32_t{0});
 }
 
 void AdvRegistryAccess::ExportKey(std::string sPath, const std::string& sRegFile,
                                   Boolean IncludeSubkeys, std::optional<TextBox*> txtStatus,
                                   Boolean& result) {
-  try {
+  const auto exportKey = [&] {
     for (const auto& form : kLongForms) sPath = text::Replace(sPath, form[0], form[1], true);
 
     if (txtStatus.has_value()) {
@@ -142,13 +140,12 @@ void AdvRegistryAccess::ExportKey(std::string sPath, const std::string& sRegFile
       }
     }
     result = kTrue;
-  } catch (const std::exception&) {
-    result = kFalse;
-  }
+  };
+  if (!core::AsResult(exportKey)) result = kFalse;
 }
 
 std::int32_t AdvRegistryAccess::ImportFromReg(std::string sRegFile) {
-  try {
+  const auto importAll = [&]() -> std::int32_t {
     mCreateKeyIfDoesntExists = kTrue;
     auto& files = platform::Use<platform::FileSystem>();
     if (!files.FileExists(sRegFile)) return 0;
@@ -201,9 +198,8 @@ std::int32_t AdvRegistryAccess::ImportFromReg(std::string sRegFile) {
       i = j;
     }
     return 1;
-  } catch (const std::exception&) {
-    return 0;
-  }
+  };
+  return core::AsResult(importAll, std::int32_t{0});
 }
 
 std::string AdvRegistryAccess::StrToBin(std::string& sBin) {
