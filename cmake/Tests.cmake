@@ -64,8 +64,10 @@ else()
   quorvane_gtest_executable(unit_tests ${QUORVANE_UNIT_SOURCES})
 
   # Fuzz harnesses: each fuzz/fuzz_*.cpp defines LLVMFuzzerTestOneInput. In the test tree they
-  # run over a bounded, seeded random corpus under the sanitizers; with QUORVANE_LIBFUZZER
-  # (clang) they build as libFuzzer programs instead.
+  # run over a bounded, seeded random corpus under the sanitizers: QUORVANE_FUZZ_RUNS inputs each
+  # in `make test`, and the long runs of `make fuzz` (scripts/fuzz.sh) run the same programs with
+  # more. With QUORVANE_LIBFUZZER (clang) they build as libFuzzer programs instead.
+  set(QUORVANE_FUZZ_RUNS 2000 CACHE STRING "Random inputs of each fuzz harness in the test tree")
   file(GLOB QUORVANE_FUZZ_HARNESSES CONFIGURE_DEPENDS fuzz/fuzz_*.cpp)
   foreach(harness ${QUORVANE_FUZZ_HARNESSES})
     get_filename_component(name ${harness} NAME_WE)
@@ -75,7 +77,8 @@ else()
       target_link_options(${name} PRIVATE -fsanitize=fuzzer)
     else()
       add_executable(${name} ${harness} fuzz/CorpusDriver.cpp)
-      add_test(NAME fuzz.${name} COMMAND ${name} --runs 20000 --seed 1)
+      add_test(NAME fuzz.${name} COMMAND ${name} --runs ${QUORVANE_FUZZ_RUNS} --seed 1)
+      set_tests_properties(fuzz.${name} PROPERTIES LABELS fuzz)
     endif()
     target_link_libraries(${name} PRIVATE quorvane_platform)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/fuzz)
