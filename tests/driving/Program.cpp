@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <utility>
 #include <vector>
 
 #include "driving/Controls.h"
