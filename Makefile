@@ -1,6 +1,7 @@
 # The two commands: `make run` and `make test`. Each does its own set-up on a fresh Debian
-# machine (scripts/setup.sh), so nothing needs installing by hand.
-.PHONY: run test setup native windows bench clean
+# machine (scripts/setup.sh), so nothing needs installing by hand. `make fuzz` runs the fuzz
+# harnesses long (FUZZ_RUNS inputs a run, FUZZ_SEEDS), `make bench` the benchmarks.
+.PHONY: run test fuzz setup native windows bench clean
 
 JOBS ?= $(shell nproc)
 
@@ -20,6 +21,9 @@ run: windows
 
 test: native windows
 	bash scripts/test.sh
+
+fuzz: setup
+	bash scripts/fuzz.sh
 
 bench: setup
 	bash scripts/bench.sh all

@@ -1,10 +1,9 @@
 #pragma once
-// What the Windows timing programs share: the clock, their own folder, and the statistics of a
-// series of times.
+// What the Windows timing programs share: the clock and the statistics of a series of times.
+// Starting and driving programs from outside is the driving library's (tests/driving).
 #include <windows.h>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 namespace quorvane::bench {
@@ -19,15 +18,6 @@ inline double Now() {
   LARGE_INTEGER counter{};
   ::QueryPerformanceCounter(&counter);
   return static_cast<double>(counter.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
-}
-
-// The folder of the running program, with its trailing separator.
-inline std::string OwnFolder() {
-  char path[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
-  std::string folder(path, length);
-  const std::size_t slash = folder.find_last_of("\\/");
-  return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
 }
 
 inline double Median(std::vector<double> values) {

@@ -21,12 +21,14 @@
 #include <string>
 #include <vector>
 
+#include "driving/Processes.h"
+
 namespace {
 
 using quorvane::bench::Mean;
 using quorvane::bench::Median;
 using quorvane::bench::Now;
-using quorvane::bench::OwnFolder;
+namespace driving = quorvane::driving;
 
 struct Program {
   std::string label;
@@ -37,55 +39,27 @@ struct Program {
   std::string lastReport;
 };
 
-// One start: the milliseconds from just before CreateProcess to the "shown" event, or a
+// One start: the milliseconds from just before the process is made to the "shown" event, or a
 // negative value when the program did not signal within a minute. What it wrote goes to `output`.
 double StartOnce(const std::string& program, const std::string& eventName, std::string& output) {
   output.clear();
-  HANDLE shown = ::CreateEventA(nullptr, TRUE, FALSE, eventName.c_str());
-  if (shown == nullptr) return -1.0;
-  SECURITY_ATTRIBUTES inheritable{};
-  inheritable.nLength = sizeof inheritable;
-  inheritable.bInheritHandle = TRUE;
-  HANDLE readEnd = nullptr;
-  HANDLE writeEnd = nullptr;
-  if (::CreatePipe(&readEnd, &writeEnd, &inheritable, 0) == 0) {
-    ::CloseHandle(shown);
+  const driving::OwnedHandle shown(::CreateEventA(nullptr, TRUE, FALSE, eventName.c_str()));
+  if (!shown) return -1.0;
+  driving::Child child;
+  driving::OwnedHandle written;
+  std::string error;
+  const double begin = Now();
+  if (!driving::StartProgramWithOutput(program, " --startup-benchmark " + eventName, child,
+                                       written, error)) {
     return -1.0;
   }
-  ::SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-  STARTUPINFOA startup{};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdInput = nullptr;
-  startup.hStdOutput = writeEnd;
-  startup.hStdError = writeEnd;
-  std::string commandLine = "\"" + program + "\" --startup-benchmark " + eventName;
-  std::vector<char> writable(commandLine.begin(), commandLine.end());
-  writable.push_back('\0');
-  PROCESS_INFORMATION started{};
-  const double begin = Now();
-  const BOOL created = ::CreateProcessA(program.c_str(), writable.data(), nullptr, nullptr, TRUE,
-                                        0, nullptr, nullptr, &startup, &started);
-  ::CloseHandle(writeEnd);
   double elapsed = -1.0;
-  if (created != 0) {
-    HANDLE waits[2] = {shown, started.hProcess};
-    const DWORD which = ::WaitForMultipleObjects(2, waits, FALSE, 60000);
-    if (which == WAIT_OBJECT_0) elapsed = Now() - begin;
-    if (::WaitForSingleObject(started.hProcess, 30000) != WAIT_OBJECT_0) {
-      ::TerminateProcess(started.hProcess, 99);
-      ::WaitForSingleObject(started.hProcess, 5000);
-    }
-    ::CloseHandle(started.hThread);
-    ::CloseHandle(started.hProcess);
-    char buffer[512];
-    DWORD read = 0;
-    while (::ReadFile(readEnd, buffer, sizeof buffer, &read, nullptr) != 0 && read > 0) {
-      output.append(buffer, read);
-    }
-  }
-  ::CloseHandle(readEnd);
-  ::CloseHandle(shown);
+  HANDLE waits[2] = {shown.Get(), child.process.Get()};
+  const DWORD which = ::WaitForMultipleObjects(2, waits, FALSE, 60000);
+  if (which == WAIT_OBJECT_0) elapsed = Now() - begin;
+  DWORD exitCode = 0;
+  if (!driving::WaitForEnd(child, 30000, exitCode)) driving::Terminate(child);
+  output = driving::ReadToEnd(written);
   return elapsed;
 }
 
@@ -106,7 +80,7 @@ void Print(std::FILE* out, const Program& program) {
 
 int main(int argc, char** argv) {
   const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
-  const std::string folder = OwnFolder();
+  const std::string folder = driving::OwnFolder();
   std::FILE* out = argc > 2 ? std::fopen(argv[2], "w") : stdout;
   if (out == nullptr) return 2;
   std::vector<Program> programs = {

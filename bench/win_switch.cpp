@@ -40,61 +40,25 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
 #include <string>
 #include <vector>
+
+#include "driving/Controls.h"
+#include "driving/Processes.h"
+#include "driving/Program.h"
 
 namespace {
 
 using quorvane::bench::Mean;
 using quorvane::bench::Median;
 using quorvane::bench::Now;
-using quorvane::bench::OwnFolder;
+namespace driving = quorvane::driving;
+using driving::FindControl;
 
-const char kClass[] = "QuorvaneMain";
-const char kText[] = "Quorvane";
 constexpr int kTwipsPerPixel = 15;
 constexpr int kZoneY = 180;
 constexpr DWORD kAppearTimeout = 60000;
 constexpr double kSwitchTimeoutMs = 5000.0;
-
-struct WindowSearch {
-  DWORD processId;
-  HWND found;
-};
-
-BOOL CALLBACK MatchTopLevel(HWND window, LPARAM data) {
-  auto* search = reinterpret_cast<WindowSearch*>(data);
-  DWORD owner = 0;
-  ::GetWindowThreadProcessId(window, &owner);
-  char name[64] = {};
-  char text[64] = {};
-  ::GetClassNameA(window, name, sizeof name);
-  ::GetWindowTextA(window, text, sizeof text);
-  if (owner == search->processId && std::string(name) == kClass && std::string(text) == kText) {
-    search->found = window;
-    return FALSE;
-  }
-  return TRUE;
-}
-
-HWND MainWindowOf(DWORD processId) {
-  WindowSearch search{processId, nullptr};
-  ::EnumWindows(MatchTopLevel, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
-// The window of the control named `systemName` in the main window of the other process.
-HWND FindControl(HWND main, const std::string& systemName) {
-  const UINT message = ::RegisterWindowMessageA("Quorvane.FindControl");
-  const ATOM atom = ::GlobalAddAtomA(systemName.c_str());
-  if (message == 0 || atom == 0) return nullptr;
-  DWORD_PTR answer = 0;
-  const LRESULT sent =
-      ::SendMessageTimeoutA(main, message, atom, 0, SMTO_ABORTIFHUNG, 5000, &answer);
-  ::GlobalDeleteAtom(atom);
-  return sent == 0 ? nullptr : reinterpret_cast<HWND>(answer);
-}
 
 // True once the program's thread has answered a WM_NULL: it is back at its message loop.
 bool Answered(HWND main) {
@@ -133,23 +97,6 @@ bool Settle(HWND main, double since, double* answered = nullptr) {
     ::Sleep(1);
   }
   return false;
-}
-
-void SendMouse(POINT point, std::initializer_list<DWORD> flags) {
-  const int width = std::max(1, ::GetSystemMetrics(SM_CXSCREEN) - 1);
-  const int height = std::max(1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
-  const LONG x = static_cast<LONG>((static_cast<long long>(point.x) * 65535 + width / 2) / width);
-  const LONG y = static_cast<LONG>((static_cast<long long>(point.y) * 65535 + height / 2) / height);
-  std::vector<INPUT> inputs;
-  for (DWORD flag : flags) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = x;
-    input.mi.dy = y;
-    input.mi.dwFlags = flag | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    inputs.push_back(input);
-  }
-  ::SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
 struct Target {
@@ -207,22 +154,18 @@ bool Switch(HWND main, const Target& target, double& shownMs, double& handledMs,
       error = std::string(target.element) + " is not found";
       return false;
     }
-    RECT area{};
-    ::GetWindowRect(element, &area);
-    point = POINT{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    point = driving::Centre(driving::ScreenRect(element));
   } else {
     HWND strip = FindControl(main, "CmdWindow");
     if (strip == nullptr) {
       error = "CmdWindow is not found";
       return false;
     }
-    RECT area{};
-    ::GetWindowRect(strip, &area);
+    const RECT area = driving::ScreenRect(strip);
     point = POINT{area.left + (target.zoneX + kTwipsPerPixel / 2) / kTwipsPerPixel,
                   area.top + (kZoneY + kTwipsPerPixel / 2) / kTwipsPerPixel};
   }
-  SendMouse(point, {MOUSEEVENTF_MOVE});
-  ::Sleep(50);
+  driving::MoveTo(point);
   if (!Settle(main, Now())) {
     error = "the window did not settle after the pointer moved onto " + std::string(target.label);
     return false;
@@ -240,7 +183,7 @@ bool Switch(HWND main, const Target& target, double& shownMs, double& handledMs,
     return false;
   }
   const double begin = Now();
-  SendMouse(point, {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
+  driving::ClickAtOnce(point);
   while (::IsWindowVisible(control) == 0) {
     if (Now() - begin > kSwitchTimeoutMs) {
       error = std::string(target.control) + " did not come up";
@@ -271,30 +214,17 @@ int main(int argc, char** argv) {
   const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
   std::FILE* out = argc > 2 ? std::fopen(argv[2], "w") : stdout;
   if (out == nullptr) return 2;
-  const std::string program = OwnFolder() + "quorvane.exe";
-  std::string commandLine = "\"" + program + "\"";
-  std::vector<char> writable(commandLine.begin(), commandLine.end());
-  writable.push_back('\0');
-  STARTUPINFOA startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION started{};
-  if (::CreateProcessA(program.c_str(), writable.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                       nullptr, &startup, &started) == 0) {
-    std::fprintf(out, "could not start %s (system error %lu)\ndone\n", program.c_str(),
-                 ::GetLastError());
+  const std::string program = driving::OwnFolder() + "quorvane.exe";
+  driving::Child child;
+  std::string startError;
+  if (!driving::StartProgram(program, "", child, startError)) {
+    std::fprintf(out, "could not start %s (%s)\ndone\n", program.c_str(), startError.c_str());
     if (out != stdout) std::fclose(out);
     return 2;
   }
-  ::CloseHandle(started.hThread);
-  HWND main = nullptr;
-  const double waitBegin = Now();
-  while (Now() - waitBegin < kAppearTimeout) {
-    main = MainWindowOf(started.dwProcessId);
-    if (main != nullptr && ::IsWindowVisible(main) != 0) break;
-    if (::WaitForSingleObject(started.hProcess, 50) == WAIT_OBJECT_0) break;
-  }
+  HWND main = driving::WaitForShownMainWindow(child, kAppearTimeout);
   int exitCode = 1;
-  if (main == nullptr || ::IsWindowVisible(main) == 0) {
+  if (main == nullptr) {
     std::fprintf(out, "the main window of quorvane.exe was not shown\n");
   } else {
     ::Sleep(1000);  // let the first paint and the start's idle work pass
@@ -333,14 +263,10 @@ int main(int argc, char** argv) {
                  static_cast<long long>(frequency.QuadPart), PollStep());
     if (!lastError.empty()) std::fprintf(out, "last failure: %s\n", lastError.c_str());
     exitCode = page.failed == 0 && zone.failed == 0 ? 0 : 1;
-    const UINT exitMessage = ::RegisterWindowMessageA("Quorvane.Exit");
-    if (exitMessage != 0) ::PostMessageA(main, exitMessage, 0, 0);
+    const driving::Verdict end = driving::EndThroughExit(main, child);
+    if (!end.Passed()) std::fprintf(out, "the end: %s\n", end.Summary().c_str());
   }
-  if (::WaitForSingleObject(started.hProcess, 10000) != WAIT_OBJECT_0) {
-    ::TerminateProcess(started.hProcess, 99);
-    ::WaitForSingleObject(started.hProcess, 5000);
-  }
-  ::CloseHandle(started.hProcess);
+  driving::Terminate(child);
   std::fprintf(out, "done\n");
   if (out != stdout) std::fclose(out);
   return exitCode;

@@ -1,7 +1,10 @@
 // Runs a libFuzzer harness over a bounded, reproducible random corpus: the harness's own seed
 // texts, random byte strings, and mutations of the seeds (flipped, inserted, deleted and
-// duplicated bytes, spliced seeds). Used by `make test` under the sanitizers, where g++ has no
-// libFuzzer; the same harness builds for libFuzzer with clang.
+// duplicated bytes, spliced seeds). Used under the sanitizers, where g++ has no libFuzzer: by
+// `make test` with a short corpus and by `make fuzz` (scripts/fuzz.sh) with long ones; the same
+// harness builds for libFuzzer with clang.
+//
+//   fuzz_<name> [--runs N] [--seed S]     N random inputs (10,000 unless given) from seed S
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -9,8 +9,10 @@
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
-# change after them (both skipped, with a note, where no such pictures are installed). One screenshot per run and case goes to build/screenshots/. Ends with
-# "N passed, M failed"; the exit status is non-zero when a case failed or could not run.
+# change after them. The pictures are those of Debian's ukui-wallpapers (scripts/setup.sh installs
+# it); without them the two wallpaper runs fail, saying so. One screenshot per run and case goes
+# to build/screenshots/. Ends with "N passed, M failed"; the exit status is non-zero when a case
+# failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
 # prefix prepared; alone it prepares the prefix itself and stops what it started.
@@ -125,9 +127,9 @@ drive "$work/navigation-xp.txt" navigation "$shots_w" e2e-xp-150-
 at_scaling 96
 as_vista
 
-# The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made,
-# packed by the Windows build's own packer into the program's data folder before the program
-# starts. "Photos" takes the two smallest JPEGs (PNGs where there are none), "Drawings" the two
+# The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made
+# (ukui-wallpapers puts its JPEGs and PNGs in the top level of /usr/share/backgrounds), packed by
+# the Windows build's own packer into the program's data folder before the program starts. "Photos" takes the two smallest JPEGs (PNGs where there are none), "Drawings" the two
 # smallest PNGs (or JPEGs); the first is the one the run ticks. The manifest tells the driver each
 # picture's size, as ImageMagick reads it. What the data folder held of the same names is put
 # back afterwards, and what the run made there is removed.
@@ -137,7 +139,10 @@ settings_run() {
   mapfile -t jpegs < <(ls -S -r "$backgrounds"/*.jpg 2>/dev/null)
   mapfile -t pngs < <(ls -S -r "$backgrounds"/*.png 2>/dev/null)
   if [ ${#jpegs[@]} -eq 0 ] && [ ${#pngs[@]} -eq 0 ]; then
-    echo "note: the settings run is skipped: no pictures in $backgrounds (Debian's desktop-base)"
+    local why="no JPEG or PNG in $backgrounds: install Debian's wallpaper pictures with"
+    why+=" \`make setup\` (or apt-get install ukui-wallpapers)"
+    report+="FAIL settings: $why"$'\n'"0 passed, 1 failed"$'\n'
+    report+="FAIL wallpaper failures: $why"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi
   photos=("${jpegs[@]:0:2}")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs, with apt-get, whatever the builds, the tests and the Wine runs need and this machine
-# lacks. Safe to run again: it does nothing when everything is there.
+# Installs, with apt-get, whatever the builds, the tests, the Wine runs and the benchmarks need and
+# this machine lacks. Safe to run again: it does nothing when everything is there.
 set -euo pipefail
 
 packages=(
@@ -9,6 +9,11 @@ packages=(
   wine wine64 xvfb xauth x11-utils fonts-wine imagemagick
   cabextract gcab libgcab-dev libz-mingw-w64-dev hyperfine
   libturbojpeg0-dev libpng-dev libgif-dev
+  # Real pictures nobody here made. The tests take theirs from mate-backgrounds
+  # (/usr/share/backgrounds/mate/<theme>/, JPEGs and PNGs); the benchmarks take the JPEGs of all
+  # three (ukui-wallpapers: /usr/share/backgrounds/, plasma-workspace-wallpapers:
+  # /usr/share/wallpapers/) and set a wallpaper with xwallpaper and feh for comparison.
+  mate-backgrounds ukui-wallpapers plasma-workspace-wallpapers xwallpaper feh
 )
 
 missing=()

@@ -43,36 +43,6 @@ AdvRegistryAccess::AdvRegistryAccess() : AdvRegistryAccess(platform::Use<platfor
 
 AdvRegistryAccess::AdvRegistryAccess(platform::RegistryStore& store) : store_(store) {}
 
-const std::vector<AdvRegistryAccess::Member>& AdvRegistryAccess::Members() {
-  static const std::vector<Member> members = {
-      {"CreateKeyIfDoesntExists",
-       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
-      {"CreateKeyIfDoesntExists",
-       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
-      {"CreateKey", "Creates key in registry..."},
-      {"KillKey", "Deletes key from registry..."},
-      {"KeyExists", "Checks if some key exists..."},
-      {"EnumKeys", "Enumerates subkeys of some key..."},
-      {"HaveSubkey", "Checks for subkeys in some key..."},
-      {"WriteString", "Writes data of string type..."},
-      {"ReadString", "Reads data of string type..."},
-      {"WriteDWORD", "Writes data of dword type..."},
-      {"ReadDWORD", "Reads data of dword type..."},
-      {"WriteBinary", "Writes data of binary type..."},
-      {"ReadBinary", "Reads data of binary type..."},
-      {"KillValue", "Deletes value from registry..."},
-      {"ValueExists", "Checks if some value exists in registry"},
-      {"EnumValues", "Enumerates all values from specified key..."},
-      {"ExportToReg", ""},
-      {"ImportFromReg", "Imports .reg file into registry..."},
-      {"StrToBin", "Converts hex (string) into it's binary value..."},
-      {"BinToStr", "Converts binary data into string..."},
-      {"isBinValid",
-       "Checks if given binary data is in valid hex format (used for writting binary)"},
-  };
-  return members;
-}
-
 void AdvRegistryAccess::CreateKeyIfDoesntExists(Boolean value) { mCreateKeyIfDoesntExists = value; }
 
 Boolean AdvRegistryAccess::CreateKeyIfDoesntExists() const { return mCreateKeyIfDoesntExists; }

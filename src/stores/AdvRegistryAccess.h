@@ -52,14 +52,6 @@ class AdvRegistryAccess {
   std::string BinToStr(std::string& sStr);
   Boolean isBinValid(std::string sBin);
 
-  // The public members in the order of the class's dispatch table, each with its help text;
-  // the flag's setting and its reading are two entries of one name.
-  struct Member {
-    const char* name;
-    const char* description;
-  };
-  static const std::vector<Member>& Members();
-
  private:
   friend struct AdvRegistryAccessProbe;  // the tests' view of the private members
 

@@ -37,13 +37,11 @@
 #include <string>
 #include <vector>
 
-#include "Controls.h"
-#include "Desktop.h"
+#include "Driving.h"
 #include "IconChanges.h"
 #include "Navigation.h"
 #include "Registry.h"
 #include "Settings.h"
-#include "Verdict.h"
 #include "WallpaperFailures.h"
 
 namespace {

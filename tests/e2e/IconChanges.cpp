@@ -12,10 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "Controls.h"
-#include "Desktop.h"
+#include "Driving.h"
 #include "Registry.h"
-#include "Verdict.h"
 
 namespace quorvane::e2e {
 

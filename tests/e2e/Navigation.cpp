@@ -10,8 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "Controls.h"
-#include "Desktop.h"
+#include "Driving.h"
 
 namespace quorvane::e2e {
 

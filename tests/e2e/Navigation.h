@@ -4,7 +4,7 @@
 // under the pointer. Each case checks what the real window shows and keeps a screenshot.
 #include <string>
 
-#include "Verdict.h"
+#include "Driving.h"
 
 namespace quorvane::e2e {
 

@@ -13,10 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "Controls.h"
-#include "Desktop.h"
+#include "Driving.h"
 #include "Registry.h"
-#include "Verdict.h"
 #include "WallpaperFiles.h"
 
 namespace quorvane::e2e {

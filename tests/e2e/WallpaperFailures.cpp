@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Controls.h"
-#include "Desktop.h"
+#include "Driving.h"
 #include "Registry.h"
 #include "WallpaperFiles.h"
 

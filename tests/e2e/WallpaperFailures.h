@@ -7,7 +7,7 @@
 // the next change work.
 #include <string>
 
-#include "Verdict.h"
+#include "Driving.h"
 
 namespace quorvane::e2e {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Verdict.h"
+#include "Driving.h"
 
 namespace quorvane::e2e {
 

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "AdvRegistryAccessProbe.h"
 #include "base/Failure.h"
@@ -116,40 +114,6 @@ TEST_F(ConvertersTest, ParsePathReplacesLongFormsAnywhere) {
       AdvRegistryAccessProbe::ParsePath(reg_, "HKCU\\Software\\hkey_local_machine\\Copy");
   EXPECT_EQ(parsed.path, "HKCU\\Software\\HKLM\\Copy");
   EXPECT_EQ(parsed.subKey, "Software\\HKLM\\Copy");
-}
-
-TEST_F(ConvertersTest, MembersInDispatchOrderWithTheirHelpTexts) {
-  const std::vector<std::pair<std::string, std::string>> expected = {
-      {"CreateKeyIfDoesntExists",
-       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
-      {"CreateKeyIfDoesntExists",
-       "Let/Get. Should key will be created if no exists (when writting data to registry)"},
-      {"CreateKey", "Creates key in registry..."},
-      {"KillKey", "Deletes key from registry..."},
-      {"KeyExists", "Checks if some key exists..."},
-      {"EnumKeys", "Enumerates subkeys of some key..."},
-      {"HaveSubkey", "Checks for subkeys in some key..."},
-      {"WriteString", "Writes data of string type..."},
-      {"ReadString", "Reads data of string type..."},
-      {"WriteDWORD", "Writes data of dword type..."},
-      {"ReadDWORD", "Reads data of dword type..."},
-      {"WriteBinary", "Writes data of binary type..."},
-      {"ReadBinary", "Reads data of binary type..."},
-      {"KillValue", "Deletes value from registry..."},
-      {"ValueExists", "Checks if some value exists in registry"},
-      {"EnumValues", "Enumerates all values from specified key..."},
-      {"ExportToReg", ""},
-      {"ImportFromReg", "Imports .reg file into registry..."},
-      {"StrToBin", "Converts hex (string) into it's binary value..."},
-      {"BinToStr", "Converts binary data into string..."},
-      {"isBinValid", "Checks if given binary data is in valid hex format (used for writting binary)"},
-  };
-  const auto& members = AdvRegistryAccess::Members();
-  ASSERT_EQ(members.size(), expected.size());
-  for (std::size_t i = 0; i < members.size(); ++i) {
-    EXPECT_EQ(members[i].name, expected[i].first) << i;
-    EXPECT_EQ(members[i].description, expected[i].second) << i;
-  }
 }
 
 }  // namespace

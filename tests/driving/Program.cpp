@@ -1,72 +1,31 @@
-#include "Desktop.h"
+#include "driving/Program.h"
 
 #include <shlobj.h>
 
 #include <cstdint>
 #include <cstdio>
-#include <utility>
 #include <vector>
 
-#include "Controls.h"
+#include "driving/Controls.h"
 
-namespace quorvane::e2e {
+namespace quorvane::driving {
 
-OwnedHandle::~OwnedHandle() {
-  if (handle_ != nullptr) {
-    ::CloseHandle(handle_);
-  }
+HWND FindControl(HWND main, const std::string& systemName, DWORD milliseconds) {
+  const UINT message = ::RegisterWindowMessageA(kFindControlMessage);
+  if (message == 0 || main == nullptr) return nullptr;
+  const ATOM atom = ::GlobalAddAtomA(systemName.c_str());
+  if (atom == 0) return nullptr;
+  DWORD_PTR answer = 0;
+  const LRESULT sent = ::SendMessageTimeoutA(main, message, atom, 0, SMTO_ABORTIFHUNG,
+                                             milliseconds, &answer);
+  ::GlobalDeleteAtom(atom);
+  if (sent == 0) return nullptr;
+  return reinterpret_cast<HWND>(answer);
 }
 
-OwnedHandle::OwnedHandle(OwnedHandle&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)) {}
-
-OwnedHandle& OwnedHandle::operator=(OwnedHandle&& other) noexcept {
-  if (this != &other) {
-    if (handle_ != nullptr) {
-      ::CloseHandle(handle_);
-    }
-    handle_ = std::exchange(other.handle_, nullptr);
-  }
-  return *this;
-}
-
-bool StartProgram(const std::string& program, const std::string& tail, Child& child,
-                  std::string& error) {
-  std::string commandLine = "\"" + program + "\"" + tail;
-  std::vector<char> writable(commandLine.begin(), commandLine.end());
-  writable.push_back('\0');
-  STARTUPINFOA startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION started{};
-  if (::CreateProcessA(program.c_str(), writable.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                       nullptr, &startup, &started) == 0) {
-    error = "CreateProcessA failed with system error " + std::to_string(::GetLastError());
-    return false;
-  }
-  ::CloseHandle(started.hThread);
-  child.process = OwnedHandle(started.hProcess);
-  child.id = started.dwProcessId;
-  return true;
-}
-
-bool IsRunning(const Child& child) {
-  return child.process && ::WaitForSingleObject(child.process.Get(), 0) == WAIT_TIMEOUT;
-}
-
-bool WaitForEnd(const Child& child, DWORD milliseconds, DWORD& exitCode) {
-  if (!child.process || ::WaitForSingleObject(child.process.Get(), milliseconds) != WAIT_OBJECT_0) {
-    return false;
-  }
-  exitCode = 0;
-  ::GetExitCodeProcess(child.process.Get(), &exitCode);
-  return true;
-}
-
-void Terminate(const Child& child) {
-  if (IsRunning(child)) {
-    ::TerminateProcess(child.process.Get(), 99);
-    ::WaitForSingleObject(child.process.Get(), 5000);
-  }
+bool PostRegistered(HWND window, const char* name) {
+  const UINT message = ::RegisterWindowMessageA(name);
+  return message != 0 && ::PostMessageA(window, message, 0, 0) != 0;
 }
 
 std::string ClassNameOf(HWND window) {
@@ -233,29 +192,10 @@ bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& na
                        "no screenshot " + name + ": " + error);
 }
 
-std::string OwnFolder() {
-  char path[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameA(nullptr, path, MAX_PATH);
-  std::string folder(path, length);
-  const std::size_t slash = folder.find_last_of("\\/");
-  return slash == std::string::npos ? std::string() : folder.substr(0, slash + 1);
-}
-
 std::string DataFolder() {
   char appData[MAX_PATH] = {};
   if (FAILED(::SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData))) return "";
   return std::string(appData) + "\\Talvenor\\Mirefold\\Quorvane\\";
-}
-
-std::string ReadFileText(const std::string& path) {
-  std::string text;
-  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
-    char buffer[4096];
-    std::size_t read = 0;
-    while ((read = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, read);
-    std::fclose(file);
-  }
-  return text;
 }
 
 bool TakesItselfForVista() {
@@ -269,4 +209,4 @@ bool TakesItselfForVista() {
          version.dwMajorVersion == 6;
 }
 
-}  // namespace quorvane::e2e
+}  // namespace quorvane::driving

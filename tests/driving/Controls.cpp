@@ -1,4 +1,4 @@
-#include "Controls.h"
+#include "driving/Controls.h"
 
 #include <commctrl.h>
 
@@ -8,27 +8,10 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "Desktop.h"
+#include "driving/Processes.h"
+#include "driving/Program.h"
 
-namespace quorvane::e2e {
-
-HWND FindControl(HWND main, const std::string& systemName, DWORD milliseconds) {
-  const UINT message = ::RegisterWindowMessageA(kFindControlMessage);
-  if (message == 0 || main == nullptr) return nullptr;
-  const ATOM atom = ::GlobalAddAtomA(systemName.c_str());
-  if (atom == 0) return nullptr;
-  DWORD_PTR answer = 0;
-  const LRESULT sent = ::SendMessageTimeoutA(main, message, atom, 0, SMTO_ABORTIFHUNG,
-                                             milliseconds, &answer);
-  ::GlobalDeleteAtom(atom);
-  if (sent == 0) return nullptr;
-  return reinterpret_cast<HWND>(answer);
-}
-
-bool PostRegistered(HWND window, const char* name) {
-  const UINT message = ::RegisterWindowMessageA(name);
-  return message != 0 && ::PostMessageA(window, message, 0, 0) != 0;
-}
+namespace quorvane::driving {
 
 namespace {
 
@@ -185,17 +168,26 @@ namespace {
 
 // Mouse events at a point of the screen: each carries the point, in the 0 to 65535 units of the
 // whole screen, so it lands there whatever the pointer's position was.
-void SendMouse(POINT point, std::initializer_list<DWORD> flags) {
+std::vector<INPUT> MouseEvents(POINT point, std::initializer_list<DWORD> flags) {
   const int width = std::max(1, ::GetSystemMetrics(SM_CXSCREEN) - 1);
   const int height = std::max(1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
   const LONG x = static_cast<LONG>((static_cast<long long>(point.x) * 65535 + width / 2) / width);
   const LONG y = static_cast<LONG>((static_cast<long long>(point.y) * 65535 + height / 2) / height);
+  std::vector<INPUT> events;
   for (DWORD flag : flags) {
     INPUT input{};
     input.type = INPUT_MOUSE;
     input.mi.dx = x;
     input.mi.dy = y;
     input.mi.dwFlags = flag | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    events.push_back(input);
+  }
+  return events;
+}
+
+// The events one at a time, each given 80 ms to be taken in, as a user's hand is slower.
+void SendMouse(POINT point, std::initializer_list<DWORD> flags) {
+  for (INPUT& input : MouseEvents(point, flags)) {
     ::SendInput(1, &input, sizeof input);
     ::Sleep(80);
   }
@@ -205,6 +197,11 @@ void SendMouse(POINT point, std::initializer_list<DWORD> flags) {
 
 void ClickAt(POINT point) {
   SendMouse(point, {MOUSEEVENTF_MOVE, MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
+}
+
+void ClickAtOnce(POINT point) {
+  std::vector<INPUT> events = MouseEvents(point, {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP});
+  ::SendInput(static_cast<UINT>(events.size()), events.data(), sizeof(INPUT));
 }
 
 void DoubleClickAt(POINT point) {
@@ -403,4 +400,4 @@ std::vector<std::uint32_t> DrawingSurface::Pixels() const {
   return pixels;
 }
 
-}  // namespace quorvane::e2e
+}  // namespace quorvane::driving

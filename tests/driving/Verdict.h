@@ -1,5 +1,5 @@
 #pragma once
-// What a case of the end-to-end driver keeps: its failed checks with their reasons, or, when all
+// What a case of a driving program keeps: its failed checks with their reasons, or, when all
 // passed, what it saw; where the verdicts of a run go; and the bounded wait the cases poll with.
 #include <windows.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace quorvane::e2e {
+namespace quorvane::driving {
 
 // Polls `condition` every 100 ms until it holds or `milliseconds` have passed.
 inline bool WaitUntil(DWORD milliseconds, const std::function<bool()>& condition) {
@@ -50,4 +50,4 @@ inline std::string Describe(const RECT& r) {
          std::to_string(r.right - r.left) + "x" + std::to_string(r.bottom - r.top);
 }
 
-}  // namespace quorvane::e2e
+}  // namespace quorvane::driving

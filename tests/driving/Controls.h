@@ -1,28 +1,16 @@
 #pragma once
-// Looking into Quorvane's window from another process: its controls by their system names, what
-// a tree view holds, and what a part of the screen shows.
+// Looking into Quorvane's windows from another process and acting on them as a user: what a tree
+// view or a list box holds, clicks and drags of the pointer, dialogs, the program's bitmaps, and
+// what a part of the screen shows.
 #include <windows.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "Verdict.h"
+#include "driving/Verdict.h"
 
-namespace quorvane::e2e {
-
-// The registered messages the main window answers.
-inline constexpr const char* kFindControlMessage = "Quorvane.FindControl";
-inline constexpr const char* kExitMessage = "Quorvane.Exit";
-inline constexpr const char* kChangeWallpaperMessage = "Quorvane.ChangeWallpaper";
-
-// The window of the control named `systemName` ("TvDesktop", or "CmdMenu(2)" for an element of a
-// control array) in the main window `main` of another process; 0 when it has none of that name
-// or does not answer within `milliseconds`.
-HWND FindControl(HWND main, const std::string& systemName, DWORD milliseconds = 5000);
-
-// Posts the registered message `name` to `window`. False when it could not be posted.
-bool PostRegistered(HWND window, const char* name);
+namespace quorvane::driving {
 
 // One item of a tree view, as the tree view of the other process gives it.
 struct RemoteItem {
@@ -49,6 +37,10 @@ bool ListBoxItemRect(HWND list, int index, RECT& area, std::string& error);
 
 // A click of the left button at a point of the screen, as the user makes it.
 void ClickAt(POINT point);
+
+// A click of the left button at a point of the screen, its press and release in one call to the
+// system and no pause after it: for timing what a click does from the moment it is made.
+void ClickAtOnce(POINT point);
 
 // A double click of the left button at a point of the screen: two clicks at the same point,
 // well within the system's double-click time.
@@ -123,4 +115,4 @@ class DrawingSurface {
   void* bits_ = nullptr;
 };
 
-}  // namespace quorvane::e2e
+}  // namespace quorvane::driving

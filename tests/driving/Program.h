@@ -1,54 +1,33 @@
 #pragma once
-// What the end-to-end driver does to the desktop it runs in: start programs, find their top-level
-// windows, start and end quorvane.exe, read the files it leaves, and photograph the screen.
+// quorvane.exe driven from outside, in the desktop it runs in: started until its main window
+// comes, its controls found by their system names through "Quorvane.FindControl", its registered
+// messages, its end through "Quorvane.Exit", its data folder; and the screen photographed.
 #include <windows.h>
 
 #include <string>
 
-#include "Verdict.h"
+#include "driving/Processes.h"
+#include "driving/Verdict.h"
 
-namespace quorvane::e2e {
+namespace quorvane::driving {
+
+// The registered messages the main window answers.
+inline constexpr const char* kFindControlMessage = "Quorvane.FindControl";
+inline constexpr const char* kExitMessage = "Quorvane.Exit";
+inline constexpr const char* kChangeWallpaperMessage = "Quorvane.ChangeWallpaper";
+
+// The window of the control named `systemName` ("TvDesktop", or "CmdMenu(2)" for an element of a
+// control array) in the main window `main` of another process; 0 when it has none of that name
+// or does not answer within `milliseconds`.
+HWND FindControl(HWND main, const std::string& systemName, DWORD milliseconds = 5000);
+
+// Posts the registered message `name` to `window`. False when it could not be posted.
+bool PostRegistered(HWND window, const char* name);
 
 // How long quorvane.exe is given to show its main window (or, resident, to make it), and to end
 // after "Quorvane.Exit".
 inline constexpr DWORD kAppearTimeout = 30000;
 inline constexpr DWORD kEndTimeout = 10000;
-
-// A kernel handle with one owner: closed once, when its owner goes.
-class OwnedHandle {
- public:
-  OwnedHandle() = default;
-  explicit OwnedHandle(HANDLE handle) : handle_(handle) {}
-  ~OwnedHandle();
-  OwnedHandle(OwnedHandle&& other) noexcept;
-  OwnedHandle& operator=(OwnedHandle&& other) noexcept;
-  OwnedHandle(const OwnedHandle&) = delete;
-  OwnedHandle& operator=(const OwnedHandle&) = delete;
-
-  HANDLE Get() const { return handle_; }
-  explicit operator bool() const { return handle_ != nullptr; }
-
- private:
-  HANDLE handle_ = nullptr;
-};
-
-// A program started by the driver.
-struct Child {
-  OwnedHandle process;
-  DWORD id = 0;
-};
-
-// Starts `program` with the command line `"<program>"` followed by `tail` exactly as given, so
-// that `tail` is what the program sees behind its name. `error` tells why when it fails.
-bool StartProgram(const std::string& program, const std::string& tail, Child& child,
-                  std::string& error);
-
-// True while the process has not ended.
-bool IsRunning(const Child& child);
-// Waits for the end of the process; its exit code in `exitCode`. False when it is still running.
-bool WaitForEnd(const Child& child, DWORD milliseconds, DWORD& exitCode);
-// Ends the process by force; for clean-up after a failed case only.
-void Terminate(const Child& child);
 
 // The first top-level window of process `processId` with this class and text, shown or hidden.
 HWND FindTopLevelWindow(DWORD processId, const std::string& className, const std::string& text);
@@ -81,14 +60,8 @@ bool SaveShot(Verdict& verdict, const std::string& folder, const std::string& na
 // default).
 bool TakesItselfForVista();
 
-// The folder of this program, with a trailing backslash.
-std::string OwnFolder();
-
 // The program's data folder, <AppData>\Talvenor\Mirefold\Quorvane\, with a trailing backslash;
 // empty when the system does not tell where the application data goes.
 std::string DataFolder();
 
-// The whole content of a file; empty when it can't be read.
-std::string ReadFileText(const std::string& path);
-
-}  // namespace quorvane::e2e
+}  // namespace quorvane::driving
