@@ -18,6 +18,7 @@
 #include "platform/Service.h"
 #include "platform/Wallpaper.h"
 #include "stores/iniReadWrite.h"
+#include "ui/RenderedImage.h"
 #include "wallpaper/MWallpaper.h"
 
 namespace quorvane {
@@ -141,7 +142,11 @@ void FrmMain::Timer1_Timer() {
   const std::string temp = "Temp." + FileExtensionOf(file);
   MoveFileOver(data + file, data + temp);
   LoadIntoBox(PBTempWallpaper, data + temp);
-  platform::Use<platform::Pictures>().SavePicture(PBTempWallpaper.Picture(), data + "WP.bmp");
+  // What the box shows is saved, not the picture loaded: where a picture lets the background
+  // through, the bitmap takes the box's back colour.
+  Pixels rendered;
+  platform::Use<platform::Pictures>().SavePicture(ui::RenderedImage(PBTempWallpaper, rendered),
+                                                  data + "WP.bmp");
   platform::Use<platform::Wallpaper>().SystemParametersInfoA(kSetDeskWallpaper, 0,
                                                              data + "WP.bmp", kUpdateIniFile);
 }

@@ -308,6 +308,52 @@ TEST_F(CollectionStoreConformance, TheTickTakesTheEntriesInOrderAndWrapsWithThei
   }
 }
 
+// The colour of the pixel at (x, y) of a 24-bit bitmap file, as 0xBBGGRR; rows are bottom-up and
+// padded to four bytes.
+std::uint32_t BitmapPixel(const std::string& bytes, std::int32_t width, std::int32_t height,
+                          std::int32_t x, std::int32_t y) {
+  const std::size_t stride = (static_cast<std::size_t>(width) * 3 + 3) / 4 * 4;
+  const std::size_t bits = static_cast<std::uint8_t>(bytes[10]) |
+                           static_cast<std::size_t>(static_cast<std::uint8_t>(bytes[11])) << 8;
+  const std::size_t at = bits + static_cast<std::size_t>(height - 1 - y) * stride +
+                         static_cast<std::size_t>(x) * 3;
+  const auto byte = [&](std::size_t i) { return static_cast<std::uint32_t>(
+                                             static_cast<std::uint8_t>(bytes.at(i))); };
+  return byte(at) << 16 | byte(at + 1) << 8 | byte(at + 2);  // blue, green, red in the file
+}
+
+TEST_F(CollectionStoreConformance, WhereThePictureIsTransparentTheWallpaperTakesTheBoxsBackColor) {
+  // A GIF of 4 by 2: its left half red, its right half the transparent index.
+  const std::string sources = FreshTempFolder();
+  const std::vector<std::uint32_t> palette = {0x000000, 0xFF0000};
+  const std::vector<std::uint32_t> indices = {1, 1, 0, 0, 1, 1, 0, 0};
+  ASSERT_TRUE(WriteBytes(sources + "glass.gif",
+                         picture_files::GifFile(4, 2, palette, indices, false, 0)));
+  {
+    auto packer = Use<platform::CollectionPackers>().Create();
+    packer->PackFile(sources + "glass.gif", core::gDataFolder + "Glass.RXS", 0, "", true);
+    packer->Release();
+  }
+  ASSERT_TRUE(WriteBytes(Index(), "[Files]\r\n1=Glass\\glass.gif\r\n[Count]\r\nTotal=1\r\n"));
+  FrmMain form;
+  MainWindowScope installed(form);
+  form.PBTempWallpaper.BackColor = 0x40C020;
+
+  form.Timer1_Timer();
+  const std::string saved = Read(core::gDataFolder + "WP.bmp");
+  const std::optional<BitmapHeader> header = ReadBitmapHeader(core::gDataFolder + "WP.bmp");
+  ASSERT_TRUE(header.has_value());
+  ASSERT_EQ(header->width, 4);
+  ASSERT_EQ(header->height, 2);
+  ASSERT_EQ(header->bits, 24);
+  for (std::int32_t y = 0; y < 2; ++y) {
+    EXPECT_EQ(BitmapPixel(saved, 4, 2, 0, y), 0x0000FFu) << "red, as 0xBBGGRR, row " << y;
+    EXPECT_EQ(BitmapPixel(saved, 4, 2, 1, y), 0x0000FFu) << "row " << y;
+    EXPECT_EQ(BitmapPixel(saved, 4, 2, 2, y), 0x40C020u) << "the back colour, row " << y;
+    EXPECT_EQ(BitmapPixel(saved, 4, 2, 3, y), 0x40C020u) << "row " << y;
+  }
+}
+
 TEST_F(CollectionStoreConformance, ARandomChangeStaysWithinTheList) {
   MakeCollection("Sea", {"bay.bmp", "cliff.bmp"});
   ui::TreeView tree("TvCollections");
