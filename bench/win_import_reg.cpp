@@ -17,9 +17,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: win_import_reg FILE.reg\n");
     return 2;
   }
-  quorvane::platform::Win32Registry registry;
-  quorvane::platform::Win32FileSystem files;
-  quorvane::platform::Win32EventLoop events;
+  quorvane::platform::win32::Win32Registry registry;
+  quorvane::platform::win32::Win32FileSystem files;
+  quorvane::platform::win32::Win32EventLoop events;
   quorvane::platform::Install<quorvane::platform::RegistryStore>(&registry);
   quorvane::platform::Install<quorvane::platform::FileSystem>(&files);
   quorvane::platform::Install<quorvane::platform::EventLoop>(&events);

@@ -49,13 +49,13 @@ int main(int argc, char** argv) {
   std::string data = argv[3];
   if (data.back() != '\\') data += '\\';
 
-  platform::Win32Registry registry;
-  platform::Win32FileSystem files;
-  platform::Win32ProfileFiles profiles;
-  platform::Win32EventLoop events;
+  platform::win32::Win32Registry registry;
+  platform::win32::Win32FileSystem files;
+  platform::win32::Win32ProfileFiles profiles;
+  platform::win32::Win32EventLoop events;
   platform::win32::Win32Icons icons;
   platform::win32::Win32MessageBoxes boxes;
-  platform::Win32CollectionPackers packers;
+  platform::win32::Win32CollectionPackers packers;
   platform::win32::Win32Pictures pictures;
   platform::win32::Win32Wallpaper wallpaper;
   platform::ScopedService<platform::RegistryStore> s1(registry);

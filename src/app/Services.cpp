@@ -37,13 +37,13 @@ void InstallForGood() {
 }  // namespace
 
 void InstallWin32Services() {
-  InstallForGood<platform::Process, platform::Win32Process>();
-  InstallForGood<platform::RegistryStore, platform::Win32Registry>();
-  InstallForGood<platform::ResourcePictures, platform::Win32ResourcePictures>();
-  InstallForGood<platform::WindowActions, platform::Win32WindowActions>();
-  InstallForGood<platform::ProfileFiles, platform::Win32ProfileFiles>();
-  InstallForGood<platform::FileSystem, platform::Win32FileSystem>();
-  InstallForGood<platform::EventLoop, platform::Win32EventLoop>();
+  InstallForGood<platform::Process, platform::win32::Win32Process>();
+  InstallForGood<platform::RegistryStore, platform::win32::Win32Registry>();
+  InstallForGood<platform::ResourcePictures, platform::win32::Win32ResourcePictures>();
+  InstallForGood<platform::WindowActions, platform::win32::Win32WindowActions>();
+  InstallForGood<platform::ProfileFiles, platform::win32::Win32ProfileFiles>();
+  InstallForGood<platform::FileSystem, platform::win32::Win32FileSystem>();
+  InstallForGood<platform::EventLoop, platform::win32::Win32EventLoop>();
   InstallForGood<platform::DeviceContexts, platform::win32::Win32DeviceContexts>();
   InstallForGood<platform::Clipboard, platform::win32::Win32Clipboard>();
   InstallForGood<platform::Icons, platform::win32::Win32Icons>();
@@ -53,7 +53,7 @@ void InstallWin32Services() {
   InstallForGood<platform::Tray, platform::win32::Win32Tray>();
   InstallForGood<platform::Notification, platform::win32::Win32Notification>();
   InstallForGood<platform::Application, platform::win32::Win32Application>();
-  InstallForGood<platform::CollectionPackers, platform::Win32CollectionPackers>();
+  InstallForGood<platform::CollectionPackers, platform::win32::Win32CollectionPackers>();
   InstallForGood<platform::ShellRequests, platform::win32::Win32ShellRequests>();
   InstallForGood<platform::Pictures, platform::win32::Win32Pictures>();
   InstallForGood<platform::Wallpaper, platform::win32::Win32Wallpaper>();

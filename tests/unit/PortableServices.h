@@ -38,23 +38,23 @@
 namespace quorvane::testing {
 
 struct PortableServices {
-  platform::MemoryRegistry store;
-  platform::PortableFileSystem files;
-  platform::PortableEventLoop events;
+  platform::portable::MemoryRegistry store;
+  platform::portable::PortableFileSystem files;
+  platform::portable::PortableEventLoop events;
   platform::portable::PortableDeviceContexts gdi;
   platform::portable::PortableIcons icons{gdi};
   platform::portable::PortableSystemInfo system;
   platform::portable::PortableTray tray;
   platform::portable::PortableMessageBoxes boxes;
-  platform::PortableResourcePictures pictures;
+  platform::portable::PortableResourcePictures pictures;
   platform::portable::PortableNotification notification;
   platform::portable::PortableApplication application;
   platform::portable::RecordingShellRequests shell;
-  platform::PortableProfileFiles profiles;
-  platform::GcabCollectionPackers packers;
+  platform::portable::PortableProfileFiles profiles;
+  platform::portable::GcabCollectionPackers packers;
   platform::portable::DecodedPictures decoded;
   platform::portable::RecordingWallpaper wallpaper;
-  platform::PortableWindowActions actions;
+  platform::portable::PortableWindowActions actions;
   platform::portable::PortableModalForms modal;
 
   // A machine for the main window's load routine: the application data folder and the program's

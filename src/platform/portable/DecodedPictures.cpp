@@ -18,6 +18,7 @@
 #include "codecs/PictureFormats.h"
 #include "codecs/BitmapDecoder.h"
 #include "platform/portable/HostPath.h"
+#include "platform/portable/PortableFileSystem.h"
 
 namespace quorvane::platform::portable {
 
@@ -246,17 +247,6 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   return bytes;
 }
 
-bool WriteAll(int fd, const std::vector<std::uint8_t>& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    done += static_cast<std::size_t>(n);
-  }
-  return true;
-}
-
 }  // namespace
 
 Pixels DecodePicture(std::span<const std::uint8_t> bytes) {
@@ -280,27 +270,14 @@ Pixels DecodedPictures::LoadPicture(const std::string& path) {
 
 void DecodedPictures::SavePicture(const Pixels& picture, const std::string& path) {
   const std::vector<std::uint8_t> bytes = codecs::BitmapFileBytes(picture);
-  const std::string host = HostPath(path);
-  // A new file beside the old one, named for this process, takes the old one's place at the end.
-  const std::string scratch = host + "." + std::to_string(::getpid()) + ".saving";
-  Descriptor file(::open(scratch.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (file.Get() < 0) {
-    if (errno == ENOENT || errno == ENOTDIR) {
-      Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
-    }
-    RaiseAccess(path, std::strerror(errno));
-  }
-  const auto giveUp = [&](const std::string& why) {
-    ::unlink(scratch.c_str());
-    RaiseAccess(path, why);
-  };
-  if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0) {
-    const std::string why = std::strerror(errno);
-    file.Close();
-    giveUp(why);
-  }
-  if (!file.Close()) giveUp(std::strerror(errno));
-  if (::rename(scratch.c_str(), host.c_str()) != 0) giveUp(std::strerror(errno));
+  // Into a new file beside the old one, which takes the old one's place at the end; whatever
+  // goes wrong, the old file stays as it was.
+  const Replacement saved = PortableFileSystem().ReplaceWhole(path, [&](FileWriter& file) {
+    return bytes.empty() || file.Write(bytes.data(), bytes.size());
+  });
+  if (saved) return;
+  if (saved.noFolder) Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
+  RaiseAccess(path, std::strerror(static_cast<int>(saved.error)));
 }
 
 }  // namespace quorvane::platform::portable

@@ -15,7 +15,7 @@
 #include "base/Failure.h"
 #include "platform/portable/HostPath.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 namespace {
 
@@ -208,20 +208,6 @@ void GcabCollectionPacker::RemoveFolderTree(const std::string& path) {
   std::filesystem::remove_all(HostPath(path), ec);
 }
 
-bool GcabCollectionPacker::PutInPlace(const std::string& from, const std::string& to) {
-  if (::rename(HostPath(from).c_str(), HostPath(to).c_str()) == 0) return true;
-  lastError_ = errno;
-  return false;
-}
-
-bool GcabCollectionPacker::MakeDurable(const std::string& path) {
-  const int fd = ::open(HostPath(path).c_str(), O_RDONLY | O_CLOEXEC);
-  const bool done = fd >= 0 && ::fsync(fd) == 0;
-  if (!done) lastError_ = errno;
-  if (fd >= 0) ::close(fd);
-  return done;
-}
-
 bool GcabCollectionPacker::MakeFolders(const std::string& path) {
   std::error_code ec;
   std::filesystem::create_directories(HostPath(path), ec);
@@ -250,6 +236,10 @@ void GcabCollectionPacker::SetModified(const std::string& path, std::uint16_t da
 }
 
 std::string GcabCollectionPacker::LastErrorText() { return std::strerror(lastError_); }
+
+std::string GcabCollectionPacker::ErrorText(std::uint32_t error) {
+  return std::strerror(static_cast<int>(error));
+}
 
 std::string GcabCollectionPacker::ScratchFolder() {
   std::error_code ec;
@@ -364,4 +354,4 @@ std::unique_ptr<CollectionPacker> GcabCollectionPackers::Create() {
   return std::make_unique<GcabCollectionPacker>();
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "platform/portable/HostPath.h"
+#include "platform/portable/PortableFileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 namespace {
 
@@ -403,15 +404,10 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
 // written in place.
 std::int32_t Save(const char* path, const Profile& profile) {
   const std::string bytes = Encode(profile.encoding, Serialize(profile));
-  const std::string target = HostPath(path);
-  const std::string temporary = target + ".quorvane-new";
-  if (WriteFile(temporary, bytes)) {
-    if (std::rename(temporary.c_str(), target.c_str()) == 0) return 1;
-    std::remove(temporary.c_str());
-    return 0;
-  }
-  std::remove(temporary.c_str());
-  return WriteFile(target, bytes) ? 1 : 0;
+  const Replacement saved = PortableFileSystem().ReplaceContent(path, bytes);
+  if (saved) return 1;
+  if (saved.failed != Replacement::Step::Create) return 0;
+  return WriteFile(path, bytes) ? 1 : 0;
 }
 
 // --- copying into the caller's buffer -------------------------------------------------------------
@@ -558,4 +554,4 @@ std::int32_t PortableProfileFiles::WritePrivateProfileStringA(const char* sectio
   return Save(file, profile);
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -64,23 +64,23 @@ class PortableEnvironment : public ::testing::Environment {
   }
 
  private:
-  platform::MemoryRegistry registry_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
-  platform::PortableProfileFiles profiles_;
+  platform::portable::MemoryRegistry registry_;
+  platform::portable::PortableFileSystem files_;
+  platform::portable::PortableEventLoop events_;
+  platform::portable::PortableProfileFiles profiles_;
   platform::portable::PortableDeviceContexts gdi_;
   platform::portable::PortableClipboard clipboard_{gdi_};
   platform::portable::PortableIcons icons_{gdi_};
   platform::portable::PortableClock clock_;
-  platform::PortableResourcePictures pictures_;
+  platform::portable::PortableResourcePictures pictures_;
   platform::portable::PortableSystemInfo system_;
   platform::portable::PortableTray tray_;
-  platform::GcabCollectionPackers packers_;
+  platform::portable::GcabCollectionPackers packers_;
   platform::portable::RecordingShellRequests shell_;
   platform::portable::DecodedPictures pictureFiles_;
   platform::portable::RecordingWallpaper wallpaper_;
   platform::portable::PortableModalForms modalForms_;
-  platform::PortableWindowActions windowActions_;
+  platform::portable::PortableWindowActions windowActions_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

@@ -65,23 +65,23 @@ class Win32Environment : public ::testing::Environment {
   }
 
  private:
-  platform::Win32Registry registry_;
-  platform::Win32FileSystem files_;
-  platform::Win32EventLoop events_;
-  platform::Win32ProfileFiles profiles_;
+  platform::win32::Win32Registry registry_;
+  platform::win32::Win32FileSystem files_;
+  platform::win32::Win32EventLoop events_;
+  platform::win32::Win32ProfileFiles profiles_;
   platform::win32::Win32DeviceContexts gdi_;
   platform::win32::Win32Clipboard clipboard_;
   platform::win32::Win32Icons icons_;
   platform::win32::Win32Clock clock_;
-  platform::Win32ResourcePictures pictures_;
+  platform::win32::Win32ResourcePictures pictures_;
   platform::win32::Win32SystemInfo system_;
   platform::win32::Win32Tray tray_;
-  platform::Win32CollectionPackers packers_;
+  platform::win32::Win32CollectionPackers packers_;
   platform::win32::Win32ShellRequests shell_;
   platform::win32::Win32Pictures pictureFiles_;
   platform::win32::Win32Wallpaper wallpaper_;
   ui::win32::Win32ModalForms modalForms_;
-  platform::Win32WindowActions windowActions_;
+  platform::win32::Win32WindowActions windowActions_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =
