@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "base/Text.h"
+#include "platform/portable/HostPath.h"
 #include "platform/portable/PortableFileSystem.h"
 
 namespace quorvane::platform::portable {
@@ -463,7 +464,7 @@ bool MemoryRegistry::SaveToFile(const std::string& path) const {
 }
 
 bool MemoryRegistry::LoadFromFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(HostPath(path), std::ios::binary);
   if (!file) return false;
   std::string line;
   if (!std::getline(file, line) || line != kFileHeader) return false;

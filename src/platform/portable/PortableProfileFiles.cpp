@@ -400,13 +400,13 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
 }
 
 // The new content goes to a file beside the old one and is renamed over it, so a write that
-// fails half-way leaves the old file whole. Where no file can be made beside it, the file is
-// written in place.
+// fails half-way leaves the old file whole. Where the file beside it can't be made or written,
+// the file is written in place.
 std::int32_t Save(const char* path, const Profile& profile) {
   const std::string bytes = Encode(profile.encoding, Serialize(profile));
   const Replacement saved = PortableFileSystem().ReplaceContent(path, bytes);
   if (saved) return 1;
-  if (saved.failed != Replacement::Step::Create) return 0;
+  if (saved.failed == Replacement::Step::Commit) return 0;
   return WriteFile(path, bytes) ? 1 : 0;
 }
 
