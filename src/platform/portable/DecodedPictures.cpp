@@ -17,6 +17,7 @@
 #include "codecs/BitmapFile.h"
 #include "codecs/PictureFormats.h"
 #include "codecs/BitmapDecoder.h"
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
 #include "platform/portable/PortableFileSystem.h"
 
@@ -197,26 +198,6 @@ std::optional<Pixels> DecodeIcon(Bytes bytes) {
 
 // --- files ------------------------------------------------------------------------------------
 
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd_; }
-  // Closes now, telling whether everything written reached the file.
-  bool Close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
 [[noreturn]] void RaiseAccess(const std::string& path, const std::string& why) {
   Raise(FailureNumber::PathFileAccessError, "Path/File access error: \"" + path + "\": " + why);
 }
@@ -224,7 +205,7 @@ class Descriptor {
 std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   const std::string host = HostPath(path);
   // Not blocking: a pipe or device by that name must not hold the program up; only a file is read.
-  Descriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  UniqueDescriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.Get() < 0) {
     if (errno == ENOENT || errno == ENOTDIR || path.empty()) {
       Raise(FailureNumber::FileNotFound, "File not found: \"" + path + "\"");

@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "base/Failure.h"
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
 
 namespace quorvane::platform::portable {
@@ -49,10 +50,7 @@ void AppendUtf8(std::string& out, char32_t cp) {
 
 class FdFile final : public cabinet::RandomFile {
  public:
-  explicit FdFile(int fd) : fd_(fd) {}
-  ~FdFile() override { ::close(fd_); }
-  FdFile(const FdFile&) = delete;
-  FdFile& operator=(const FdFile&) = delete;
+  explicit FdFile(int fd) : file_(fd), fd_(fd) {}
 
   std::uint64_t Size() override {
     struct stat st {};
@@ -85,6 +83,7 @@ class FdFile final : public cabinet::RandomFile {
   bool Flush() override { return ::fsync(fd_) == 0; }
 
  private:
+  UniqueDescriptor file_;
   int fd_;
 };
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
 
 namespace quorvane::platform::portable {
@@ -17,10 +18,7 @@ namespace {
 
 std::string Host(const std::string& path) { return HostPath(path); }
 
-struct FileCloser {
-  void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
+using File = UniqueStream;
 
 bool Write(const std::string& path, const std::string& content, const char* mode) {
   File f(std::fopen(Host(path).c_str(), mode));
@@ -28,23 +26,8 @@ bool Write(const std::string& path, const std::string& content, const char* mode
   if (!content.empty() && std::fwrite(content.data(), 1, content.size(), f.get()) != content.size()) {
     return false;
   }
-  return std::fclose(f.release()) == 0;
+  return CloseNow(f);
 }
-
-// A descriptor of the host, closed once, by its owner.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() { Close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd_; }
-  // Closes it now; false when closing failed, which may be the first word of a failed write.
-  bool Close() { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
-
- private:
-  int fd_;
-};
 
 // The new file of a replacement, written in order; the first failure's number is kept.
 class DescriptorWriter final : public FileWriter {
@@ -148,7 +131,7 @@ Replacement PortableFileSystem::ReplaceWhole(const std::string& path,
                                              const std::function<bool(FileWriter&)>& write) {
   const std::string made = path + "." + std::to_string(::getpid()) + ".saving";
   const std::string host = Host(made);
-  Descriptor file(::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  UniqueDescriptor file(::open(host.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
   if (file.Get() < 0) {
     Replacement result = Failed(Replacement::Step::Create, errno);
     result.noFolder = errno == ENOENT || errno == ENOTDIR;
@@ -171,7 +154,7 @@ Replacement PortableFileSystem::ReplaceWhole(const std::string& path,
 Replacement PortableFileSystem::PutInPlace(const std::string& made, const std::string& path) {
   const std::string from = Host(made);
   // On the disk before it replaces the old file, so that no crash can leave a part of it there.
-  Descriptor file(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
+  UniqueDescriptor file(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.Get() < 0 || ::fsync(file.Get()) != 0) return Failed(Replacement::Step::Write, errno);
   if (!file.Close()) return Failed(Replacement::Step::Write, errno);
   if (::rename(from.c_str(), Host(path).c_str()) != 0) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
 #include "platform/portable/PortableFileSystem.h"
 
@@ -355,10 +356,7 @@ std::vector<Entry>::iterator FindEntry(Section& section, UnitsView key) {
 
 // --- the file -------------------------------------------------------------------------------------
 
-struct FileCloser {
-  void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
+using File = UniqueStream;
 
 enum class FileState { Missing, Read, Unreadable };
 
@@ -396,7 +394,7 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
   if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
     return false;
   }
-  return std::fclose(f.release()) == 0;
+  return CloseNow(f);
 }
 
 // The new content goes to a file beside the old one and is renamed over it, so a write that
