@@ -17,10 +17,7 @@
 
 #include "drawing/cDIBSection.h"
 #include "platform/Service.h"
-#include "platform/portable/PortableClipboard.h"
-#include "platform/portable/PortableClock.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableMessageBoxes.h"
+#include "platform/portable/PortablePlatform.h"
 
 namespace {
 
@@ -92,17 +89,11 @@ void Report(const char* what, double megapixels, const Figures& figures) {
 int main(int argc, char** argv) {
   const int runs = std::max(1, argc > 1 ? std::atoi(argv[1]) : 5);
 
-  quorvane::platform::portable::PortableDeviceContexts gdi(3840, 2160);
+  quorvane::platform::portable::PortablePlatform platform({3840, 2160});
+  auto& gdi = platform.DeviceContexts();
   gdi.KeepJournal(false);
   gdi.SetBitmapMemoryLimit(std::size_t{1} << 30);
-  quorvane::platform::portable::PortableClipboard clipboard(gdi);
-  quorvane::platform::portable::PortableMessageBoxes boxes;
-  quorvane::platform::portable::PortableClock clock;
-  clock.Stop(43200.0);
-  quorvane::platform::ScopedService<quorvane::platform::DeviceContexts> a(gdi);
-  quorvane::platform::ScopedService<quorvane::platform::Clipboard> b(clipboard);
-  quorvane::platform::ScopedService<quorvane::platform::MessageBoxes> c(boxes);
-  quorvane::platform::ScopedService<quorvane::platform::Clock> d(clock);
+  platform.Clock().Stop(43200.0);
 
   cDIBSection large;
   cDIBSection small;

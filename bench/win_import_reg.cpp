@@ -7,9 +7,7 @@
 #include <cstdio>
 
 #include "platform/Service.h"
-#include "platform/win32/Win32EventLoop.h"
-#include "platform/win32/Win32FileSystem.h"
-#include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32Platform.h"
 #include "stores/AdvRegistryAccess.h"
 
 int main(int argc, char** argv) {
@@ -17,12 +15,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: win_import_reg FILE.reg\n");
     return 2;
   }
-  quorvane::platform::Win32Registry registry;
-  quorvane::platform::Win32FileSystem files;
-  quorvane::platform::Win32EventLoop events;
-  quorvane::platform::Install<quorvane::platform::RegistryStore>(&registry);
-  quorvane::platform::Install<quorvane::platform::FileSystem>(&files);
-  quorvane::platform::Install<quorvane::platform::EventLoop>(&events);
+  quorvane::platform::win32::Win32Platform platform;
 
   LARGE_INTEGER frequency, start, end;
   ::QueryPerformanceFrequency(&frequency);

@@ -21,15 +21,7 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
-#include "platform/win32/Win32CollectionPacker.h"
-#include "platform/win32/Win32EventLoop.h"
-#include "platform/win32/Win32FileSystem.h"
-#include "platform/win32/Win32Icons.h"
-#include "platform/win32/Win32MessageBoxes.h"
-#include "platform/win32/Win32Pictures.h"
-#include "platform/win32/Win32ProfileFiles.h"
-#include "platform/win32/Win32Registry.h"
-#include "platform/win32/Win32Wallpaper.h"
+#include "platform/win32/Win32Platform.h"
 #include "stores/AdvRegistryAccess.h"
 #include "stores/iniReadWrite.h"
 #include "wallpaper/MWallpaper.h"
@@ -49,24 +41,11 @@ int main(int argc, char** argv) {
   std::string data = argv[3];
   if (data.back() != '\\') data += '\\';
 
-  platform::Win32Registry registry;
-  platform::Win32FileSystem files;
-  platform::Win32ProfileFiles profiles;
-  platform::Win32EventLoop events;
-  platform::win32::Win32Icons icons;
-  platform::win32::Win32MessageBoxes boxes;
-  platform::Win32CollectionPackers packers;
-  platform::win32::Win32Pictures pictures;
-  platform::win32::Win32Wallpaper wallpaper;
-  platform::ScopedService<platform::RegistryStore> s1(registry);
-  platform::ScopedService<platform::FileSystem> s2(files);
-  platform::ScopedService<platform::ProfileFiles> s3(profiles);
-  platform::ScopedService<platform::EventLoop> s4(events);
-  platform::ScopedService<platform::Icons> s5(icons);
-  platform::ScopedService<platform::MessageBoxes> s6(boxes);
-  platform::ScopedService<platform::CollectionPackers> s7(packers);
-  platform::ScopedService<platform::Pictures> s8(pictures);
-  platform::ScopedService<platform::Wallpaper> s9(wallpaper);
+  platform::win32::Win32Platform adapters;
+  auto& files = adapters.FileSystem();
+  auto& packers = adapters.CollectionPackers();
+  auto& pictures = adapters.Pictures();
+  auto& wallpaper = adapters.Wallpaper();
 
   core::gDataFolder = data;
   // The list of the collection's pictures, as the settings dialog's save builds it.

@@ -97,7 +97,7 @@ std::string ReadWhole(const std::string& path) {
 }
 
 void Unpack(const std::string& entry) {
-  quorvane::platform::GcabCollectionPacker packer;
+  quorvane::platform::portable::GcabCollectionPacker packer;
   try {
     packer.UnpackFiles(TheTree().Archive(), TheTree().Destination(), entry);
   } catch (const quorvane::Failure&) {
@@ -123,13 +123,13 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
   for (int i = 0; i < 40000; ++i) noise += static_cast<char>((i * 7919) % 251);
   std::vector<std::string> seeds;
   {
-    quorvane::platform::GcabCollectionPacker packer;
+    quorvane::platform::portable::GcabCollectionPacker packer;
     packer.PackFile(put("a.txt", text), (folder / "one.RXS").string(), 0, "", true);
     packer.Release();
   }
   seeds.push_back(ReadWhole((folder / "one.RXS").string()));
   {
-    quorvane::platform::GcabCollectionPacker packer;
+    quorvane::platform::portable::GcabCollectionPacker packer;
     packer.PackFile(put("a.txt", "short"), (folder / "three.RXS").string(), 0, "", true);
     packer.PackFile(put("b.jpg", noise), (folder / "three.RXS").string(), 0, "", true);
     packer.PackFile(put("c.bmp", ""), (folder / "three.RXS").string(), 0, "", true);

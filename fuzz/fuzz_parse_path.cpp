@@ -19,7 +19,7 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorvane;
-  static platform::MemoryRegistry store;
+  static platform::portable::MemoryRegistry store;
   static AdvRegistryAccess reg(store);
   const std::string input(reinterpret_cast<const char*>(data), size);
   const auto parsed = AdvRegistryAccessProbe::ParsePath(reg, input);

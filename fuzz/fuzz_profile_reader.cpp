@@ -47,7 +47,7 @@ constexpr std::size_t kGuard = 8;
 
 // Reads with a buffer of `size` inside a larger one filled with a pattern, and checks that
 // nothing past the buffer changed and that the count and terminator agree.
-void CheckedRead(quorvane::platform::PortableProfileFiles& profiles, const char* section,
+void CheckedRead(quorvane::platform::portable::PortableProfileFiles& profiles, const char* section,
                  const char* key, const char* defaultValue, std::uint32_t size,
                  const char* file) {
   std::vector<char> space(size + kGuard, '\x5A');
@@ -71,7 +71,7 @@ void CheckedRead(quorvane::platform::PortableProfileFiles& profiles, const char*
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static ScratchFile scratch(".ini");
-  quorvane::platform::PortableProfileFiles profiles;
+  quorvane::platform::portable::PortableProfileFiles profiles;
   scratch.Fill(data, size);
 
   static const char* const kPairs[][2] = {{"Files", "2"},          {".ShellClassInfo", "IconFile"},

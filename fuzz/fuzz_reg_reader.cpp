@@ -28,13 +28,13 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorvane;
-  static platform::PortableFileSystem files;
-  static platform::PortableEventLoop events;
+  static platform::portable::PortableFileSystem files;
+  static platform::portable::PortableEventLoop events;
   static const std::string path = "/tmp/quorvane-fuzz-reg-" + std::to_string(::getpid()) + ".reg";
   platform::Install<platform::FileSystem>(&files);
   platform::Install<platform::EventLoop>(&events);
 
-  platform::MemoryRegistry store;
+  platform::portable::MemoryRegistry store;
   AdvRegistryAccess reg(store);
   reg.WriteString("HKCU\\Software\\Sentinel", "kept", "yes");
 

@@ -20,7 +20,7 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorvane;
-  static platform::MemoryRegistry store;
+  static platform::portable::MemoryRegistry store;
   static AdvRegistryAccess reg(store);
   std::string input(reinterpret_cast<const char*>(data), size);
   const std::string expectedText = text::Trim(text::Replace(input, " ", ""));

@@ -296,12 +296,11 @@ void CabinetPacker::Commit(const Pending& pending) {
     madeFiles.clear();
   }
   old.reset();
-  if (!MakeDurable(result)) {
-    refuse(FailureNumber::DeviceIOError, "its new content can't be written: " + LastErrorText());
+  const Replacement placed = Files().PutInPlace(result, archive);
+  if (placed.failed == Replacement::Step::Write) {
+    refuse(FailureNumber::DeviceIOError, "its new content can't be written: " + ErrorText(placed.error));
   }
-  if (!PutInPlace(result, archive)) {
-    refuse(FailureNumber::PermissionDenied, "it can't be replaced: " + LastErrorText());
-  }
+  if (!placed) refuse(FailureNumber::PermissionDenied, "it can't be replaced: " + ErrorText(placed.error));
   scratch.files.erase(std::remove(scratch.files.begin(), scratch.files.end(), result), scratch.files.end());
 }
 
@@ -378,8 +377,8 @@ void CabinetPacker::ExpandInto(const std::string& archive, RandomFile& file, Lay
     }
     SetModified(targets[k].path, e.date, e.time);
     const std::string final = JoinPath(destination, names[k]);
-    if (!PutInPlace(targets[k].path, final)) {
-      refuse(FailureNumber::PermissionDenied, Quoted(final) + " can't be written: " + LastErrorText());
+    if (const Replacement placed = Files().PutInPlace(targets[k].path, final); !placed) {
+      refuse(FailureNumber::PermissionDenied, Quoted(final) + " can't be written: " + ErrorText(placed.error));
     }
   }
 }

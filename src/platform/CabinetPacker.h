@@ -14,6 +14,7 @@
 
 #include "codecs/CabinetFormat.h"
 #include "platform/CollectionPacker.h"
+#include "platform/FileSystem.h"
 
 namespace quorvane::platform {
 
@@ -53,16 +54,17 @@ class CabinetPacker : public CollectionPacker {
   virtual bool IsFolder(const std::string& path) = 0;
   virtual bool RemoveFile(const std::string& path) = 0;
   virtual void RemoveFolderTree(const std::string& path) = 0;
-  // Puts `from` in the place of `to` in one step, replacing `to` when it exists.
-  virtual bool PutInPlace(const std::string& from, const std::string& to) = 0;
-  // Makes what was written to the closed file durable before it takes an archive's place.
-  virtual bool MakeDurable(const std::string& path) = 0;
+  // The file system of the platform, whose PutInPlace puts a new archive, or an expanded
+  // entry, in the place of the file it replaces.
+  virtual FileSystem& Files() = 0;
   // Makes the folder with whatever parents it lacks; true when it exists afterwards.
   virtual bool MakeFolders(const std::string& path) = 0;
   // Gives the file the modification time of an entry, as a cabinet stores it (local time).
   virtual void SetModified(const std::string& path, std::uint16_t date, std::uint16_t time) = 0;
   // The platform's words for the last failed file operation.
   virtual std::string LastErrorText() = 0;
+  // The platform's words for a failure by its number.
+  virtual std::string ErrorText(std::uint32_t error) = 0;
   // The folder for scratch work, with a trailing separator.
   virtual std::string ScratchFolder() = 0;
   // A text that tells this process from others, for scratch names.

@@ -3,7 +3,9 @@
 // its start; tests install the portable ones, or their own. The system reaches a service with
 // Use<Port>(), so its routines never name an implementation.
 #include <stdexcept>
+#include <string>
 #include <typeinfo>
+#include <utility>
 
 namespace quorvane::platform {
 
@@ -37,6 +39,25 @@ class ScopedService {
 
  private:
   Port* previous_;
+};
+
+// One adapter of a port, made with the arguments given and installed for the life of this
+// object; the port's previous service is put back when it ends, before the adapter goes.
+template <class Port, class Adapter>
+class Installed {
+ public:
+  template <class... Arguments>
+  explicit Installed(Arguments&&... arguments)
+      : adapter_(std::forward<Arguments>(arguments)...), installed_(adapter_) {}
+  Installed(const Installed&) = delete;
+  Installed& operator=(const Installed&) = delete;
+
+  Adapter& Get() { return adapter_; }
+  const Adapter& Get() const { return adapter_; }
+
+ private:
+  Adapter adapter_;
+  ScopedService<Port> installed_;
 };
 
 }  // namespace quorvane::platform

@@ -13,10 +13,10 @@
 #include "platform/Service.h"
 #ifdef _WIN32
 #include "platform/win32/Win32CollectionPacker.h"
-using Packers = quorvane::platform::Win32CollectionPackers;
+using Packers = quorvane::platform::win32::Win32CollectionPackers;
 #else
 #include "platform/portable/GcabCollectionPacker.h"
-using Packers = quorvane::platform::GcabCollectionPackers;
+using Packers = quorvane::platform::portable::GcabCollectionPackers;
 #endif
 
 int main(int argc, char** argv) {

@@ -47,9 +47,9 @@ class AdvRegistryAccessTest : public ::testing::Test {
     return path;
   }
 
-  platform::MemoryRegistry store_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
+  platform::portable::MemoryRegistry store_;
+  platform::portable::PortableFileSystem files_;
+  platform::portable::PortableEventLoop events_;
   platform::ScopedService<platform::FileSystem> filesInstalled_{files_};
   platform::ScopedService<platform::EventLoop> eventsInstalled_{events_};
   AdvRegistryAccess reg_{store_};

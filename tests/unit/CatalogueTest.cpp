@@ -159,7 +159,7 @@ class CatalogueTest : public ::testing::TestWithParam<bool> {
   }
 
   std::filesystem::path folder_;
-  platform::MemoryRegistry store_;
+  platform::portable::MemoryRegistry store_;
   platform::portable::PortableDeviceContexts gdi_;
   platform::portable::PortableIcons icons_{gdi_};
   platform::ScopedService<platform::RegistryStore> storeInstalled_{store_};

@@ -72,7 +72,7 @@ class DesktopTest : public ::testing::Test {
   }
 
   std::vector<std::string> journal_;
-  platform::MemoryRegistry store_;
+  platform::portable::MemoryRegistry store_;
   testing::RecordingRegistry recorder_{store_, &journal_};
   platform::portable::RecordingShellRequests shell_;
   testing::ShellJournal shellJournal_{shell_, journal_};

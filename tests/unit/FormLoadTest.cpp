@@ -37,14 +37,14 @@ class FormLoadTest : public ::testing::Test {
 
   testing::ScratchFolder root_{"load"};
   testing::PortableServices services_;
-  platform::MemoryRegistry& store_ = services_.store;
-  platform::PortableEventLoop& events_ = services_.events;
+  platform::portable::MemoryRegistry& store_ = services_.store;
+  platform::portable::PortableEventLoop& events_ = services_.events;
   platform::portable::PortableIcons& icons_ = services_.icons;
   platform::portable::PortableSystemInfo& system_ = services_.system;
   platform::portable::PortableTray& tray_ = services_.tray;
   platform::portable::PortableMessageBoxes& boxes_ = services_.boxes;
   platform::portable::PortableNotification& notification_ = services_.notification;
-  platform::PortableResourcePictures& pictures_ = services_.pictures;
+  platform::portable::PortableResourcePictures& pictures_ = services_.pictures;
   platform::portable::PortableApplication& application_ = services_.application;
   platform::portable::RecordingShellRequests& shell_ = services_.shell;
   FrmMain form_;

@@ -89,8 +89,8 @@ class IconChangesTest : public ::testing::Test {
   std::string red_;
   std::string blue_;
   testing::PortableServices services_;
-  platform::MemoryRegistry& store_ = services_.store;
-  platform::PortableEventLoop& events_ = services_.events;
+  platform::portable::MemoryRegistry& store_ = services_.store;
+  platform::portable::PortableEventLoop& events_ = services_.events;
   platform::portable::PortableIcons& icons_ = services_.icons;
   platform::portable::PortableSystemInfo& system_ = services_.system;
   platform::portable::PortableTray& tray_ = services_.tray;

@@ -71,7 +71,7 @@ struct World {
   }
 
   std::vector<std::string> journal;
-  platform::MemoryRegistry store;
+  platform::portable::MemoryRegistry store;
   testing::RecordingRegistry recorder{store, &journal};
   platform::portable::RecordingShellRequests shell;
   testing::ShellJournal shellJournal{shell, journal};
@@ -164,7 +164,7 @@ std::vector<std::string> CatalogueNames() {
   std::filesystem::create_directories(folder);
   core::gSystemFolder = folder.string() + "/";
   core::gProgramFilesFolder = folder.string() + "/pf/";
-  platform::MemoryRegistry store;
+  platform::portable::MemoryRegistry store;
   platform::portable::PortableDeviceContexts gdi;
   platform::portable::PortableIcons icons{gdi};
   platform::ScopedService<platform::RegistryStore> storeInstalled{store};

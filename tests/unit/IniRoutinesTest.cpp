@@ -84,7 +84,7 @@ class IniFilesTest : public ::testing::Test {
   }
 
   std::filesystem::path folder_;
-  platform::PortableProfileFiles profiles_;
+  platform::portable::PortableProfileFiles profiles_;
 };
 
 // A port that answers reads from a script and notes what it was handed.

@@ -28,7 +28,7 @@ class ShowMainTest : public ::testing::Test {
     return form_.calls;
   }
 
-  platform::PortableProcess process_;
+  platform::portable::PortableProcess process_;
   RecordingForm form_;
   platform::ScopedService<platform::Process> installedProcess_{process_};
   platform::ScopedService<core::MainForm> installedForm_{form_};

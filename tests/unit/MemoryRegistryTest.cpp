@@ -8,7 +8,7 @@
 
 #include "platform/portable/MemoryRegistry.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 namespace {
 
 class MemoryRegistryTest : public ::testing::Test {
@@ -159,4 +159,4 @@ TEST_F(MemoryRegistryTest, KeysGoNoDeeperThan512Levels) {
 }
 
 }  // namespace
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

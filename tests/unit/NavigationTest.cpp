@@ -29,8 +29,8 @@ class NavigationTest : public ::testing::Test {
   }
   int Loads(std::int32_t n) const { return pictures_.Loads(n); }
 
-  platform::PortableResourcePictures pictures_;
-  platform::PortableWindowActions actions_;
+  platform::portable::PortableResourcePictures pictures_;
+  platform::portable::PortableWindowActions actions_;
   platform::portable::PortableMessageBoxes boxes_;
   platform::ScopedService<platform::ResourcePictures> s1_{pictures_};
   platform::ScopedService<platform::WindowActions> s2_{actions_};

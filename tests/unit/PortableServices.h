@@ -1,10 +1,10 @@
 #pragma once
 // Every portable service that the main window's routines reach, installed for the life of the
-// object: the registry in memory, the host's files and profile files, the recording shell,
-// application and wallpaper, the icons read from real files, collections packed with libgcab,
-// pictures decoded from their files, the modal forms acting out queued user actions, and the
-// rest. Tests of FrmMain hold one and read what it recorded; a test that wants a port of its own
-// installs it over this one for its life.
+// object: the portable platform (the registry in memory, the host's files and profile files, the
+// recording shell, application and wallpaper, the icons read from real files, collections packed
+// with libgcab, pictures decoded from their files, and the rest) and, beside it, the modal forms
+// acting out queued user actions. Tests of FrmMain hold one and read what it recorded; a test
+// that wants a port of its own installs it over this one for its life.
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -14,48 +14,37 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
-#include "platform/portable/DecodedPictures.h"
-#include "platform/portable/GcabCollectionPacker.h"
-#include "platform/portable/MemoryRegistry.h"
-#include "platform/portable/PortableApplication.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableEventLoop.h"
-#include "platform/portable/PortableFileSystem.h"
-#include "platform/portable/PortableIcons.h"
-#include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/PortableModalForms.h"
-#include "platform/portable/PortableNotification.h"
-#include "platform/portable/PortableProfileFiles.h"
-#include "platform/portable/PortableResourcePictures.h"
-#include "platform/portable/PortableSystemInfo.h"
-#include "platform/portable/PortableTray.h"
-#include "platform/portable/PortableWindowActions.h"
-#include "platform/portable/RecordingShellRequests.h"
-#include "platform/portable/RecordingWallpaper.h"
+#include "platform/portable/PortablePlatform.h"
 #include "stores/AdvRegistryAccess.h"
 #include "ui/MemorySurface.h"
 
 namespace quorvane::testing {
 
 struct PortableServices {
-  platform::MemoryRegistry store;
-  platform::PortableFileSystem files;
-  platform::PortableEventLoop events;
-  platform::portable::PortableDeviceContexts gdi;
-  platform::portable::PortableIcons icons{gdi};
-  platform::portable::PortableSystemInfo system;
-  platform::portable::PortableTray tray;
-  platform::portable::PortableMessageBoxes boxes;
-  platform::PortableResourcePictures pictures;
-  platform::portable::PortableNotification notification;
-  platform::portable::PortableApplication application;
-  platform::portable::RecordingShellRequests shell;
-  platform::PortableProfileFiles profiles;
-  platform::GcabCollectionPackers packers;
-  platform::portable::DecodedPictures decoded;
-  platform::portable::RecordingWallpaper wallpaper;
-  platform::PortableWindowActions actions;
+  // Every portable adapter, installed for the life of this object.
+  platform::portable::PortablePlatform adapters;
+  // The forms port, installed beside the platform.
   platform::portable::PortableModalForms modal;
+
+  // The adapters the tests read and steer, by the names the tests give them.
+  platform::portable::MemoryRegistry& store = adapters.RegistryStore();
+  platform::portable::PortableFileSystem& files = adapters.FileSystem();
+  platform::portable::PortableEventLoop& events = adapters.EventLoop();
+  platform::portable::PortableDeviceContexts& gdi = adapters.DeviceContexts();
+  platform::portable::PortableIcons& icons = adapters.Icons();
+  platform::portable::PortableSystemInfo& system = adapters.SystemInfo();
+  platform::portable::PortableTray& tray = adapters.Tray();
+  platform::portable::PortableMessageBoxes& boxes = adapters.MessageBoxes();
+  platform::portable::PortableResourcePictures& pictures = adapters.ResourcePictures();
+  platform::portable::PortableNotification& notification = adapters.Notification();
+  platform::portable::PortableApplication& application = adapters.Application();
+  platform::portable::RecordingShellRequests& shell = adapters.ShellRequests();
+  platform::portable::PortableProfileFiles& profiles = adapters.ProfileFiles();
+  platform::portable::GcabCollectionPackers& packers = adapters.CollectionPackers();
+  platform::portable::DecodedPictures& decoded = adapters.Pictures();
+  platform::portable::RecordingWallpaper& wallpaper = adapters.Wallpaper();
+  platform::portable::PortableWindowActions& actions = adapters.WindowActions();
 
   // A machine for the main window's load routine: the application data folder and the program's
   // folder under `root`, and My Computer's stock icon, which the catalogue reads first.
@@ -84,24 +73,7 @@ struct PortableServices {
   }
 
  private:
-  platform::ScopedService<platform::RegistryStore> s1_{store};
-  platform::ScopedService<platform::FileSystem> s2_{files};
-  platform::ScopedService<platform::EventLoop> s3_{events};
-  platform::ScopedService<platform::DeviceContexts> s4_{gdi};
-  platform::ScopedService<platform::Icons> s5_{icons};
-  platform::ScopedService<platform::SystemInfo> s6_{system};
-  platform::ScopedService<platform::Tray> s7_{tray};
-  platform::ScopedService<platform::MessageBoxes> s8_{boxes};
-  platform::ScopedService<platform::ResourcePictures> s9_{pictures};
-  platform::ScopedService<platform::Notification> s10_{notification};
-  platform::ScopedService<platform::Application> s11_{application};
-  platform::ScopedService<platform::ShellRequests> s12_{shell};
-  platform::ScopedService<platform::ProfileFiles> s13_{profiles};
-  platform::ScopedService<platform::CollectionPackers> s14_{packers};
-  platform::ScopedService<platform::Pictures> s15_{decoded};
-  platform::ScopedService<platform::Wallpaper> s16_{wallpaper};
-  platform::ScopedService<platform::WindowActions> s17_{actions};
-  platform::ScopedService<platform::ModalForms> s18_{modal};
+  platform::ScopedService<platform::ModalForms> formsInstalled_{modal};
 };
 
 // The main window's three icon previews drawn in memory, as its binding gives them surfaces.

@@ -43,13 +43,13 @@ TEST(ArgumentsOfTest, QuotesInsideTheArgumentsStayAsTheyAre) {
 }
 
 TEST(PortableProcessTest, KeepsWhatItIsGiven) {
-  platform::PortableProcess process;
+  platform::portable::PortableProcess process;
   EXPECT_EQ(process.CommandLine(), "");
   process.SetCommandLine("  /background ");
   EXPECT_EQ(process.CommandLine(), "  /background ");
   process.SetWholeCommandLine("\"C:\\Quorvane\\quorvane.exe\" x");
   EXPECT_EQ(process.CommandLine(), "x");
-  EXPECT_EQ(platform::PortableProcess("y").CommandLine(), "y");
+  EXPECT_EQ(platform::portable::PortableProcess("y").CommandLine(), "y");
 }
 
 }  // namespace

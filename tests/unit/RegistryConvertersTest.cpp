@@ -14,7 +14,7 @@ namespace reg = platform::reg;
 
 class ConvertersTest : public ::testing::Test {
  protected:
-  platform::MemoryRegistry store_;
+  platform::portable::MemoryRegistry store_;
   AdvRegistryAccess reg_{store_};
 };
 

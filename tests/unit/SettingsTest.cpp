@@ -88,8 +88,8 @@ class SettingsTest : public ::testing::Test {
 
   testing::ScratchFolder scratch_{"settings"};
   testing::PortableServices services_;
-  platform::MemoryRegistry& store_ = services_.store;
-  platform::PortableWindowActions& actions_ = services_.actions;
+  platform::portable::MemoryRegistry& store_ = services_.store;
+  platform::portable::PortableWindowActions& actions_ = services_.actions;
   platform::portable::PortableModalForms& modal_ = services_.modal;
   AdvRegistryAccess reg_{store_};
 };

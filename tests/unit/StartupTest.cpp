@@ -1,6 +1,8 @@
 // The start-up routines (version name, special folders, the data folder with its blank icon and
 // the product's key, the error report), the tray icon's add and remove, and the main window's
 // close, minimise, show/hide and exit routines, over the portable services.
+#include <cerrno>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -71,10 +73,26 @@ class WindowsPathFiles final : public platform::FileSystem {
   bool RenameFile(const std::string& source, const std::string& target) override {
     return !ReadOnly(source) && !ReadOnly(target) && files_.RenameFile(Host(source), Host(target));
   }
+  platform::Replacement ReplaceWhole(
+      const std::string& path,
+      const std::function<bool(platform::FileWriter&)>& write) override {
+    if (ReadOnly(path)) return Refused();
+    return files_.ReplaceWhole(Host(path), write);
+  }
+  platform::Replacement PutInPlace(const std::string& made, const std::string& path) override {
+    if (ReadOnly(made) || ReadOnly(path)) return Refused();
+    return files_.PutInPlace(Host(made), Host(path));
+  }
 
   void MakeReadOnly(const fs::path& folder) { readOnly_.push_back(folder.lexically_normal()); }
 
  private:
+  static platform::Replacement Refused() {
+    platform::Replacement refused;
+    refused.failed = platform::Replacement::Step::Create;
+    refused.error = EACCES;
+    return refused;
+  }
   bool ReadOnly(const std::string& path) const {
     const fs::path target = fs::path(Host(path)).lexically_normal();
     for (const fs::path& folder : readOnly_) {
@@ -86,7 +104,7 @@ class WindowsPathFiles final : public platform::FileSystem {
     return false;
   }
 
-  platform::PortableFileSystem files_;
+  platform::portable::PortableFileSystem files_;
   std::vector<fs::path> readOnly_;
 };
 
@@ -147,7 +165,7 @@ class WatchedRegistry final : public platform::RegistryStore {
     return true;
   }
 
-  platform::MemoryRegistry store;
+  platform::portable::MemoryRegistry store;
   std::vector<std::string> created;
   int failAtCreation = 0;
 };

@@ -108,9 +108,9 @@ class WallpaperTest : public ::testing::Test {
   testing::ScratchFolder scratch_{"wallpaper"};
   const fs::path sources_ = scratch_ / "sources";
   testing::PortableServices services_;
-  platform::MemoryRegistry& store_ = services_.store;
-  platform::PortableFileSystem& files_ = services_.files;
-  platform::PortableEventLoop& events_ = services_.events;
+  platform::portable::MemoryRegistry& store_ = services_.store;
+  platform::portable::PortableFileSystem& files_ = services_.files;
+  platform::portable::PortableEventLoop& events_ = services_.events;
   platform::portable::PortableMessageBoxes& boxes_ = services_.boxes;
   TestPictures pictures_{store_};
   TestWallpaper wallpaper_;

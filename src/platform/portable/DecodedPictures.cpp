@@ -17,7 +17,9 @@
 #include "codecs/BitmapFile.h"
 #include "codecs/PictureFormats.h"
 #include "codecs/BitmapDecoder.h"
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
+#include "platform/portable/PortableFileSystem.h"
 
 namespace quorvane::platform::portable {
 
@@ -196,26 +198,6 @@ std::optional<Pixels> DecodeIcon(Bytes bytes) {
 
 // --- files ------------------------------------------------------------------------------------
 
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd_; }
-  // Closes now, telling whether everything written reached the file.
-  bool Close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
 [[noreturn]] void RaiseAccess(const std::string& path, const std::string& why) {
   Raise(FailureNumber::PathFileAccessError, "Path/File access error: \"" + path + "\": " + why);
 }
@@ -223,7 +205,7 @@ class Descriptor {
 std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
   const std::string host = HostPath(path);
   // Not blocking: a pipe or device by that name must not hold the program up; only a file is read.
-  Descriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  UniqueDescriptor file(::open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (file.Get() < 0) {
     if (errno == ENOENT || errno == ENOTDIR || path.empty()) {
       Raise(FailureNumber::FileNotFound, "File not found: \"" + path + "\"");
@@ -244,17 +226,6 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& path) {
     bytes.insert(bytes.end(), buffer, buffer + n);
   }
   return bytes;
-}
-
-bool WriteAll(int fd, const std::vector<std::uint8_t>& bytes) {
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    done += static_cast<std::size_t>(n);
-  }
-  return true;
 }
 
 }  // namespace
@@ -280,27 +251,14 @@ Pixels DecodedPictures::LoadPicture(const std::string& path) {
 
 void DecodedPictures::SavePicture(const Pixels& picture, const std::string& path) {
   const std::vector<std::uint8_t> bytes = codecs::BitmapFileBytes(picture);
-  const std::string host = HostPath(path);
-  // A new file beside the old one, named for this process, takes the old one's place at the end.
-  const std::string scratch = host + "." + std::to_string(::getpid()) + ".saving";
-  Descriptor file(::open(scratch.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (file.Get() < 0) {
-    if (errno == ENOENT || errno == ENOTDIR) {
-      Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
-    }
-    RaiseAccess(path, std::strerror(errno));
-  }
-  const auto giveUp = [&](const std::string& why) {
-    ::unlink(scratch.c_str());
-    RaiseAccess(path, why);
-  };
-  if (!WriteAll(file.Get(), bytes) || ::fsync(file.Get()) != 0) {
-    const std::string why = std::strerror(errno);
-    file.Close();
-    giveUp(why);
-  }
-  if (!file.Close()) giveUp(std::strerror(errno));
-  if (::rename(scratch.c_str(), host.c_str()) != 0) giveUp(std::strerror(errno));
+  // Into a new file beside the old one, which takes the old one's place at the end; whatever
+  // goes wrong, the old file stays as it was.
+  const Replacement saved = PortableFileSystem().ReplaceWhole(path, [&](FileWriter& file) {
+    return bytes.empty() || file.Write(bytes.data(), bytes.size());
+  });
+  if (saved) return;
+  if (saved.noFolder) Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
+  RaiseAccess(path, std::strerror(static_cast<int>(saved.error)));
 }
 
 }  // namespace quorvane::platform::portable

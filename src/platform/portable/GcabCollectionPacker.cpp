@@ -13,9 +13,10 @@
 #include <system_error>
 
 #include "base/Failure.h"
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 namespace {
 
@@ -49,10 +50,7 @@ void AppendUtf8(std::string& out, char32_t cp) {
 
 class FdFile final : public cabinet::RandomFile {
  public:
-  explicit FdFile(int fd) : fd_(fd) {}
-  ~FdFile() override { ::close(fd_); }
-  FdFile(const FdFile&) = delete;
-  FdFile& operator=(const FdFile&) = delete;
+  explicit FdFile(int fd) : file_(fd), fd_(fd) {}
 
   std::uint64_t Size() override {
     struct stat st {};
@@ -85,6 +83,7 @@ class FdFile final : public cabinet::RandomFile {
   bool Flush() override { return ::fsync(fd_) == 0; }
 
  private:
+  UniqueDescriptor file_;
   int fd_;
 };
 
@@ -208,20 +207,6 @@ void GcabCollectionPacker::RemoveFolderTree(const std::string& path) {
   std::filesystem::remove_all(HostPath(path), ec);
 }
 
-bool GcabCollectionPacker::PutInPlace(const std::string& from, const std::string& to) {
-  if (::rename(HostPath(from).c_str(), HostPath(to).c_str()) == 0) return true;
-  lastError_ = errno;
-  return false;
-}
-
-bool GcabCollectionPacker::MakeDurable(const std::string& path) {
-  const int fd = ::open(HostPath(path).c_str(), O_RDONLY | O_CLOEXEC);
-  const bool done = fd >= 0 && ::fsync(fd) == 0;
-  if (!done) lastError_ = errno;
-  if (fd >= 0) ::close(fd);
-  return done;
-}
-
 bool GcabCollectionPacker::MakeFolders(const std::string& path) {
   std::error_code ec;
   std::filesystem::create_directories(HostPath(path), ec);
@@ -250,6 +235,10 @@ void GcabCollectionPacker::SetModified(const std::string& path, std::uint16_t da
 }
 
 std::string GcabCollectionPacker::LastErrorText() { return std::strerror(lastError_); }
+
+std::string GcabCollectionPacker::ErrorText(std::uint32_t error) {
+  return std::strerror(static_cast<int>(error));
+}
 
 std::string GcabCollectionPacker::ScratchFolder() {
   std::error_code ec;
@@ -364,4 +353,4 @@ std::unique_ptr<CollectionPacker> GcabCollectionPackers::Create() {
   return std::make_unique<GcabCollectionPacker>();
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -8,8 +8,9 @@
 #include <string>
 
 #include "platform/CabinetPacker.h"
+#include "platform/portable/PortableFileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class GcabCollectionPacker final : public CabinetPacker {
  public:
@@ -23,11 +24,11 @@ class GcabCollectionPacker final : public CabinetPacker {
   bool IsFolder(const std::string& path) override;
   bool RemoveFile(const std::string& path) override;
   void RemoveFolderTree(const std::string& path) override;
-  bool PutInPlace(const std::string& from, const std::string& to) override;
-  bool MakeDurable(const std::string& path) override;
+  FileSystem& Files() override { return files_; }
   bool MakeFolders(const std::string& path) override;
   void SetModified(const std::string& path, std::uint16_t date, std::uint16_t time) override;
   std::string LastErrorText() override;
+  std::string ErrorText(std::uint32_t error) override;
   std::string ScratchFolder() override;
   std::string ProcessTag() override;
   std::optional<std::string> NameOfEntry(const cabinet::Entry& entry) override;
@@ -38,6 +39,7 @@ class GcabCollectionPacker final : public CabinetPacker {
               const std::vector<Target>& targets) override;
 
  private:
+  PortableFileSystem files_;
   int lastError_ = 0;
 };
 
@@ -50,4 +52,4 @@ class GcabCollectionPackers final : public CollectionPackers {
 std::string Windows1252ToUtf8(const std::string& text);
 std::optional<std::string> Utf8ToWindows1252(const std::string& text);
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

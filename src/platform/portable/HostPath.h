@@ -3,7 +3,7 @@
 // adapters hand them to the host with its own separator.
 #include <string>
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 inline std::string HostPath(const std::string& path) {
   std::string out = path;
@@ -13,4 +13,4 @@ inline std::string HostPath(const std::string& path) {
   return out;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -7,8 +7,10 @@
 #include <sstream>
 
 #include "base/Text.h"
+#include "platform/portable/HostPath.h"
+#include "platform/portable/PortableFileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 namespace {
 
@@ -458,19 +460,11 @@ bool MemoryRegistry::SaveToFile(const std::string& path) const {
   for (std::size_t i = 0; i < 3; ++i) {
     SaveKey(out, kSavedRoots[i], *roots_.at(kSavedRootHandles[i]));
   }
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-    if (!file) return false;
-    const std::string content = out.str();
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    if (!file.flush()) return false;
-  }
-  return std::rename(temporary.c_str(), path.c_str()) == 0;
+  return static_cast<bool>(PortableFileSystem().ReplaceContent(path, out.str()));
 }
 
 bool MemoryRegistry::LoadFromFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(HostPath(path), std::ios::binary);
   if (!file) return false;
   std::string line;
   if (!std::getline(file, line) || line != kFileHeader) return false;
@@ -514,4 +508,4 @@ bool MemoryRegistry::LoadFromFile(const std::string& path) {
   return true;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -12,7 +12,7 @@
 
 #include "platform/RegistryStore.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class MemoryRegistry final : public RegistryStore {
  public:
@@ -68,4 +68,4 @@ class MemoryRegistry final : public RegistryStore {
   std::vector<std::unique_ptr<OpenKey>> handles_;  // slot i has the handle value 4 * (i + 1)
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

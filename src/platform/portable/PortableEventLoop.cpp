@@ -1,6 +1,6 @@
 #include "platform/portable/PortableEventLoop.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 void PortableEventLoop::DoEvents() {
   ++yields_;
@@ -11,4 +11,4 @@ void PortableEventLoop::DoEvents() {
 
 void PortableEventLoop::Post(std::function<void()> work) { queued_.push_back(std::move(work)); }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

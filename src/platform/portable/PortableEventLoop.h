@@ -6,7 +6,7 @@
 
 #include "platform/EventLoop.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableEventLoop final : public EventLoop {
  public:
@@ -21,4 +21,4 @@ class PortableEventLoop final : public EventLoop {
   int yields_ = 0;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -3,7 +3,7 @@
 // as on the platform.
 #include "platform/FileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableFileSystem final : public FileSystem {
  public:
@@ -17,6 +17,9 @@ class PortableFileSystem final : public FileSystem {
   bool ListFiles(const std::string& folder, std::vector<std::string>& names) override;
   bool RemoveFolderTree(const std::string& path) override;
   bool RenameFile(const std::string& source, const std::string& target) override;
+  Replacement ReplaceWhole(const std::string& path,
+                           const std::function<bool(FileWriter&)>& write) override;
+  Replacement PutInPlace(const std::string& made, const std::string& path) override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

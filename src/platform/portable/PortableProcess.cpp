@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 PortableProcess::PortableProcess(std::string arguments) : arguments_(std::move(arguments)) {}
 
@@ -14,4 +14,4 @@ void PortableProcess::SetWholeCommandLine(std::string_view wholeCommandLine) {
   arguments_ = ArgumentsOf(wholeCommandLine);
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -4,7 +4,7 @@
 
 #include "platform/Process.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableProcess final : public Process {
  public:
@@ -22,4 +22,4 @@ class PortableProcess final : public Process {
   std::string arguments_;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

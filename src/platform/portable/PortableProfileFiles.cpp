@@ -8,9 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/portable/Descriptors.h"
 #include "platform/portable/HostPath.h"
+#include "platform/portable/PortableFileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 namespace {
 
@@ -354,10 +356,7 @@ std::vector<Entry>::iterator FindEntry(Section& section, UnitsView key) {
 
 // --- the file -------------------------------------------------------------------------------------
 
-struct FileCloser {
-  void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
+using File = UniqueStream;
 
 enum class FileState { Missing, Read, Unreadable };
 
@@ -395,23 +394,18 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
   if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), f.get()) != bytes.size()) {
     return false;
   }
-  return std::fclose(f.release()) == 0;
+  return CloseNow(f);
 }
 
 // The new content goes to a file beside the old one and is renamed over it, so a write that
-// fails half-way leaves the old file whole. Where no file can be made beside it, the file is
-// written in place.
+// fails half-way leaves the old file whole. Where the file beside it can't be made or written,
+// the file is written in place.
 std::int32_t Save(const char* path, const Profile& profile) {
   const std::string bytes = Encode(profile.encoding, Serialize(profile));
-  const std::string target = HostPath(path);
-  const std::string temporary = target + ".quorvane-new";
-  if (WriteFile(temporary, bytes)) {
-    if (std::rename(temporary.c_str(), target.c_str()) == 0) return 1;
-    std::remove(temporary.c_str());
-    return 0;
-  }
-  std::remove(temporary.c_str());
-  return WriteFile(target, bytes) ? 1 : 0;
+  const Replacement saved = PortableFileSystem().ReplaceContent(path, bytes);
+  if (saved) return 1;
+  if (saved.failed == Replacement::Step::Commit) return 0;
+  return WriteFile(path, bytes) ? 1 : 0;
 }
 
 // --- copying into the caller's buffer -------------------------------------------------------------
@@ -558,4 +552,4 @@ std::int32_t PortableProfileFiles::WritePrivateProfileStringA(const char* sectio
   return Save(file, profile);
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

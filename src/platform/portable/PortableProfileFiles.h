@@ -33,7 +33,7 @@
 
 #include "platform/ProfileFiles.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableProfileFiles final : public ProfileFiles {
  public:
@@ -44,4 +44,4 @@ class PortableProfileFiles final : public ProfileFiles {
                                           const char* value, const char* file) override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -1,6 +1,6 @@
 #include "platform/portable/PortableResourcePictures.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 Pixels PortableResourcePictures::LoadResPicture(std::int32_t number) {
   ++loads_[number];
@@ -13,4 +13,4 @@ int PortableResourcePictures::Loads(std::int32_t number) const {
   return it == loads_.end() ? 0 : it->second;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

@@ -5,7 +5,7 @@
 
 #include "platform/ResourcePictures.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableResourcePictures final : public ResourcePictures {
  public:
@@ -20,4 +20,4 @@ class PortableResourcePictures final : public ResourcePictures {
   std::map<std::int32_t, int> loads_;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

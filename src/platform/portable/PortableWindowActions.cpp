@@ -1,6 +1,6 @@
 #include "platform/portable/PortableWindowActions.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 std::int32_t PortableWindowActions::ReleaseCapture() {
   calls.push_back("ReleaseCapture");
@@ -25,4 +25,4 @@ std::intptr_t PortableWindowActions::ShellExecuteA(std::uint32_t /*window*/,
   return 2;  // the file is not found, as for a help file that isn't there
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

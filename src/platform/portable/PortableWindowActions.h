@@ -5,7 +5,7 @@
 
 #include "platform/WindowActions.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::portable {
 
 class PortableWindowActions final : public WindowActions {
  public:
@@ -25,4 +25,4 @@ class PortableWindowActions final : public WindowActions {
   std::vector<std::string> calls;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::portable

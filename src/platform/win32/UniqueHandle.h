@@ -1,10 +1,11 @@
 #pragma once
 // The owner of one handle of the platform: closed once, by its owner, with the function given.
+// An owner that holds nothing holds the handle type's empty value.
 #include <utility>
 
 namespace quorvane::platform::win32 {
 
-template <class Handle, void (*Close)(Handle)>
+template <class Handle, auto Close>
 class UniqueHandle {
  public:
   UniqueHandle() = default;
@@ -27,6 +28,8 @@ class UniqueHandle {
     if (handle_ != Handle{}) Close(handle_);
     handle_ = handle;
   }
+  // Gives the handle up without closing it: whoever takes it closes it.
+  [[nodiscard]] Handle Release() { return std::exchange(handle_, Handle{}); }
 
  private:
   Handle handle_{};

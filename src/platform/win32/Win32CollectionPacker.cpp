@@ -14,19 +14,23 @@
 #include <set>
 
 #include "base/Failure.h"
+#include "platform/win32/Handles.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 namespace {
+
+// The compressor's and the expander's contexts, destroyed once, by their owners.
+void DestroyCompressor(HFCI fci) { ::FCIDestroy(fci); }
+void DestroyExpander(HFDI fdi) { ::FDIDestroy(fdi); }
+using UniqueCompressor = UniqueHandle<HFCI, &DestroyCompressor>;
+using UniqueExpander = UniqueHandle<HFDI, &DestroyExpander>;
 
 // --- files ------------------------------------------------------------------------------------
 
 class HandleFile final : public cabinet::RandomFile {
  public:
-  explicit HandleFile(HANDLE h) : h_(h) {}
-  ~HandleFile() override { ::CloseHandle(h_); }
-  HandleFile(const HandleFile&) = delete;
-  HandleFile& operator=(const HandleFile&) = delete;
+  explicit HandleFile(UniqueFile file) : file_(std::move(file)), h_(file_.Get()) {}
 
   std::uint64_t Size() override {
     LARGE_INTEGER size{};
@@ -65,6 +69,7 @@ class HandleFile final : public cabinet::RandomFile {
   bool Flush() override { return ::FlushFileBuffers(h_) != 0; }
 
  private:
+  UniqueFile file_;
   HANDLE h_;
 };
 
@@ -387,23 +392,21 @@ std::optional<std::string> CheckMszip(cabinet::RandomFile& file, const cabinet::
 Win32CollectionPacker::~Win32CollectionPacker() { ReleaseQuietly(); }
 
 std::unique_ptr<cabinet::RandomFile> Win32CollectionPacker::OpenForReading(const std::string& path) {
-  const HANDLE h = ::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (h == INVALID_HANDLE_VALUE) {
+  UniqueFile file = OpenFile(path.c_str(), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+  if (!file) {
     lastError_ = ::GetLastError();
     return nullptr;
   }
-  return std::make_unique<HandleFile>(h);
+  return std::make_unique<HandleFile>(std::move(file));
 }
 
 std::unique_ptr<cabinet::RandomFile> Win32CollectionPacker::CreateNew(const std::string& path) {
-  const HANDLE h = ::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (h == INVALID_HANDLE_VALUE) {
+  UniqueFile file = OpenFile(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW);
+  if (!file) {
     lastError_ = ::GetLastError();
     return nullptr;
   }
-  return std::make_unique<HandleFile>(h);
+  return std::make_unique<HandleFile>(std::move(file));
 }
 
 bool Win32CollectionPacker::IsFile(const std::string& path) {
@@ -420,8 +423,7 @@ bool Win32CollectionPacker::RemoveFile(const std::string& path) { return ::Delet
 
 void Win32CollectionPacker::RemoveFolderTree(const std::string& path) {
   WIN32_FIND_DATAA found{};
-  const HANDLE search = ::FindFirstFileA(JoinPath(path, "*").c_str(), &found);
-  if (search != INVALID_HANDLE_VALUE) {
+  if (const UniqueSearch search = AdoptSearch(::FindFirstFileA(JoinPath(path, "*").c_str(), &found))) {
     do {
       const std::string name = found.cFileName;
       if (name == "." || name == "..") continue;
@@ -431,29 +433,9 @@ void Win32CollectionPacker::RemoveFolderTree(const std::string& path) {
       } else {
         ::DeleteFileA(inner.c_str());
       }
-    } while (::FindNextFileA(search, &found));
-    ::FindClose(search);
+    } while (::FindNextFileA(search.Get(), &found));
   }
   ::RemoveDirectoryA(path.c_str());
-}
-
-bool Win32CollectionPacker::PutInPlace(const std::string& from, const std::string& to) {
-  if (::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return true;
-  lastError_ = ::GetLastError();
-  return false;
-}
-
-bool Win32CollectionPacker::MakeDurable(const std::string& path) {
-  const HANDLE h = ::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (h == INVALID_HANDLE_VALUE) {
-    lastError_ = ::GetLastError();
-    return false;
-  }
-  const bool done = ::FlushFileBuffers(h) != 0;
-  if (!done) lastError_ = ::GetLastError();
-  ::CloseHandle(h);
-  return done;
 }
 
 bool Win32CollectionPacker::MakeFolders(const std::string& path) {
@@ -470,14 +452,15 @@ void Win32CollectionPacker::SetModified(const std::string& path, std::uint16_t d
   FILETIME local{};
   FILETIME universal{};
   if (!::DosDateTimeToFileTime(date, time, &local) || !::LocalFileTimeToFileTime(&local, &universal)) return;
-  const HANDLE h = ::CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (h == INVALID_HANDLE_VALUE) return;
-  ::SetFileTime(h, nullptr, nullptr, &universal);
-  ::CloseHandle(h);
+  const UniqueFile file = OpenFile(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, OPEN_EXISTING);
+  if (file) ::SetFileTime(file.Get(), nullptr, nullptr, &universal);
 }
 
 std::string Win32CollectionPacker::LastErrorText() { return ErrorText(lastError_); }
+
+std::string Win32CollectionPacker::ErrorText(std::uint32_t error) {
+  return win32::ErrorText(static_cast<DWORD>(error));
+}
 
 std::string Win32CollectionPacker::ScratchFolder() {
   char temp[MAX_PATH + 1];
@@ -530,13 +513,9 @@ void Win32CollectionPacker::Compress(const std::vector<Item>& items, const std::
   made.push_back(scratch);
 
   ERF error{};
-  const HFCI fci = ::FCICreate(&error, FciFilePlaced, AllocateMemory, FreeMemory, FciOpen, FciRead, FciWrite, FciClose,
-                               FciSeek, FciDelete, FciTempFile, &cab, &context);
-  if (fci == nullptr) fail(FciErrorText(error.erfOper));
-  struct Destroyer {
-    HFCI fci;
-    ~Destroyer() { ::FCIDestroy(fci); }
-  } destroyer{fci};
+  const UniqueCompressor fci(::FCICreate(&error, FciFilePlaced, AllocateMemory, FreeMemory, FciOpen, FciRead, FciWrite, FciClose,
+                               FciSeek, FciDelete, FciTempFile, &cab, &context));
+  if (!fci) fail(FciErrorText(error.erfOper));
 
   for (const Item& item : items) {
     std::string name = item.entry;
@@ -547,15 +526,15 @@ void Win32CollectionPacker::Compress(const std::vector<Item>& items, const std::
       name = *utf8;
     }
     std::string source = item.source;
-    if (!::FCIAddFile(fci, source.data(), name.data(), FALSE, FciNextCabinet, FciStatus, FciOpenInfo,
+    if (!::FCIAddFile(fci.Get(), source.data(), name.data(), FALSE, FciNextCabinet, FciStatus, FciOpenInfo,
                       item.stored ? tcompTYPE_NONE : tcompTYPE_MSZIP)) {
       std::string why = FciErrorText(error.erfOper);
       if (error.erfOper == FCIERR_OPEN_SRC) why += " (\"" + item.source + "\": " + ErrorText(context.lastError) + ")";
       fail(why);
     }
-    if (!::FCIFlushFolder(fci, FciNextCabinet, FciStatus)) fail(FciErrorText(error.erfOper));
+    if (!::FCIFlushFolder(fci.Get(), FciNextCabinet, FciStatus)) fail(FciErrorText(error.erfOper));
   }
-  if (!::FCIFlushCabinet(fci, FALSE, FciNextCabinet, FciStatus)) {
+  if (!::FCIFlushCabinet(fci.Get(), FALSE, FciNextCabinet, FciStatus)) {
     std::string why = FciErrorText(error.erfOper);
     if (context.lastError != 0) why += ": " + ErrorText(context.lastError);
     fail(why);
@@ -584,15 +563,16 @@ void Win32CollectionPacker::Expand(const std::string& archive, const cabinet::La
   }
 
   ERF error{};
-  const HFDI fdi = ::FDICreate(AllocateMemory, FreeMemory, FdiOpen, FdiRead, FdiWrite, FdiClose, FdiSeek, cpuUNKNOWN, &error);
-  if (fdi == nullptr) fail(FdiErrorText(error.erfOper));
+  UniqueExpander fdi(
+      ::FDICreate(AllocateMemory, FreeMemory, FdiOpen, FdiRead, FdiWrite, FdiClose, FdiSeek, cpuUNKNOWN, &error));
+  if (!fdi) fail(FdiErrorText(error.erfOper));
   tCurrentExpansion = &context;
   char name[sizeof kCabinetToken];
   std::memcpy(name, kCabinetToken, sizeof kCabinetToken);
   char path[1] = {'\0'};
-  const BOOL copied = ::FDICopy(fdi, name, path, 0, FdiNotify, nullptr, &context);
+  const BOOL copied = ::FDICopy(fdi.Get(), name, path, 0, FdiNotify, nullptr, &context);
   tCurrentExpansion = nullptr;
-  ::FDIDestroy(fdi);
+  fdi.Reset();
   // A file that FDI was writing when it stopped is closed here; the caller removes it.
   for (const INT_PTR h : context.open) ::CloseHandle(FromHandle(h));
   if (!context.fault.empty()) fail(context.fault);
@@ -603,4 +583,4 @@ std::unique_ptr<CollectionPacker> Win32CollectionPackers::Create() {
   return std::make_unique<Win32CollectionPacker>();
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

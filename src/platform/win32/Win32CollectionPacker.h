@@ -7,8 +7,9 @@
 #include <string>
 
 #include "platform/CabinetPacker.h"
+#include "platform/win32/Win32FileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32CollectionPacker final : public CabinetPacker {
  public:
@@ -22,11 +23,11 @@ class Win32CollectionPacker final : public CabinetPacker {
   bool IsFolder(const std::string& path) override;
   bool RemoveFile(const std::string& path) override;
   void RemoveFolderTree(const std::string& path) override;
-  bool PutInPlace(const std::string& from, const std::string& to) override;
-  bool MakeDurable(const std::string& path) override;
+  FileSystem& Files() override { return files_; }
   bool MakeFolders(const std::string& path) override;
   void SetModified(const std::string& path, std::uint16_t date, std::uint16_t time) override;
   std::string LastErrorText() override;
+  std::string ErrorText(std::uint32_t error) override;
   std::string ScratchFolder() override;
   std::string ProcessTag() override;
   std::optional<std::string> NameOfEntry(const cabinet::Entry& entry) override;
@@ -37,6 +38,7 @@ class Win32CollectionPacker final : public CabinetPacker {
               const std::vector<Target>& targets) override;
 
  private:
+  Win32FileSystem files_;
   unsigned long lastError_ = 0;
 };
 
@@ -45,4 +47,4 @@ class Win32CollectionPackers final : public CollectionPackers {
   std::unique_ptr<CollectionPacker> Create() override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

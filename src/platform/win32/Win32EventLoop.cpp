@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 void Win32EventLoop::DoEvents() {
   MSG msg;
@@ -16,4 +16,4 @@ void Win32EventLoop::DoEvents() {
   }
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -4,23 +4,15 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
-namespace quorvane::platform {
+#include "platform/win32/Handles.h"
+
+namespace quorvane::platform::win32 {
 
 namespace {
 
-struct HandleCloser {
-  void operator()(HANDLE h) const {
-    if (h != INVALID_HANDLE_VALUE) ::CloseHandle(h);
-  }
-};
-using UniqueFile = std::unique_ptr<void, HandleCloser>;
-
 UniqueFile Open(const std::string& path, DWORD access, DWORD disposition) {
-  HANDLE h = ::CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
-                           FILE_ATTRIBUTE_NORMAL, nullptr);
-  return UniqueFile(h == INVALID_HANDLE_VALUE ? nullptr : h);
+  return OpenFile(path.c_str(), access, FILE_SHARE_READ, disposition);
 }
 
 bool WriteEverything(HANDLE h, const std::string& content) {
@@ -55,7 +47,7 @@ bool Win32FileSystem::ReadAll(const std::string& path, std::string& content) {
   char chunk[65536];
   for (;;) {
     DWORD read = 0;
-    if (!::ReadFile(f.get(), chunk, sizeof chunk, &read, nullptr)) return false;
+    if (!::ReadFile(f.Get(), chunk, sizeof chunk, &read, nullptr)) return false;
     if (read == 0) return true;
     content.append(chunk, read);
   }
@@ -63,12 +55,12 @@ bool Win32FileSystem::ReadAll(const std::string& path, std::string& content) {
 
 bool Win32FileSystem::WriteAll(const std::string& path, const std::string& content) {
   UniqueFile f = Open(path, GENERIC_WRITE, CREATE_ALWAYS);
-  return f && WriteEverything(f.get(), content);
+  return f && WriteEverything(f.Get(), content);
 }
 
 bool Win32FileSystem::Append(const std::string& path, const std::string& content) {
   UniqueFile f = Open(path, FILE_APPEND_DATA, OPEN_ALWAYS);
-  return f && WriteEverything(f.get(), content);
+  return f && WriteEverything(f.Get(), content);
 }
 
 bool Win32FileSystem::CreateFolder(const std::string& path) {
@@ -94,23 +86,22 @@ bool IsDotEntry(const char* name) {
 bool Win32FileSystem::ListFiles(const std::string& folder, std::vector<std::string>& names) {
   names.clear();
   WIN32_FIND_DATAA found{};
-  HANDLE search = ::FindFirstFileA((WithBackslash(folder) + "*").c_str(), &found);
-  if (search == INVALID_HANDLE_VALUE) {
+  const UniqueSearch search =
+      AdoptSearch(::FindFirstFileA((WithBackslash(folder) + "*").c_str(), &found));
+  if (!search) {
     // An empty folder lists nothing; a missing one can't be listed.
     return ::GetLastError() == ERROR_FILE_NOT_FOUND && FolderExists(folder);
   }
   do {
     if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
-  } while (::FindNextFileA(search, &found) != 0);
-  ::FindClose(search);
+  } while (::FindNextFileA(search.Get(), &found) != 0);
   return true;
 }
 
 bool Win32FileSystem::RemoveFolderTree(const std::string& path) {
   const std::string folder = WithBackslash(path);
   WIN32_FIND_DATAA found{};
-  HANDLE search = ::FindFirstFileA((folder + "*").c_str(), &found);
-  if (search != INVALID_HANDLE_VALUE) {
+  if (const UniqueSearch search = AdoptSearch(::FindFirstFileA((folder + "*").c_str(), &found))) {
     do {
       if (IsDotEntry(found.cFileName)) continue;
       const std::string inside = folder + found.cFileName;
@@ -120,8 +111,7 @@ bool Win32FileSystem::RemoveFolderTree(const std::string& path) {
         ::SetFileAttributesA(inside.c_str(), FILE_ATTRIBUTE_NORMAL);
         ::DeleteFileA(inside.c_str());
       }
-    } while (::FindNextFileA(search, &found) != 0);
-    ::FindClose(search);
+    } while (::FindNextFileA(search.Get(), &found) != 0);
   }
   ::RemoveDirectoryA(path.c_str());
   return !FolderExists(path);
@@ -131,4 +121,83 @@ bool Win32FileSystem::RenameFile(const std::string& source, const std::string& t
   return ::MoveFileA(source.c_str(), target.c_str()) != 0;
 }
 
-}  // namespace quorvane::platform
+namespace {
+
+// The new file of a replacement, written in order; the first failure's number is kept.
+class HandleWriter final : public FileWriter {
+ public:
+  explicit HandleWriter(HANDLE file) : file_(file) {}
+  bool Write(const void* data, std::size_t count) override {
+    const auto* p = static_cast<const char*>(data);
+    while (count > 0) {
+      const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(count, 1u << 24));
+      DWORD written = 0;
+      if (!::WriteFile(file_, p, chunk, &written, nullptr) || written == 0) {
+        error_ = ::GetLastError();
+        return false;
+      }
+      p += written;
+      count -= written;
+    }
+    return true;
+  }
+  DWORD Error() const { return error_; }
+
+ private:
+  HANDLE file_;
+  DWORD error_ = 0;
+};
+
+Replacement Failed(Replacement::Step step, DWORD error) {
+  Replacement result;
+  result.failed = step;
+  result.error = error;
+  return result;
+}
+
+}  // namespace
+
+Replacement Win32FileSystem::ReplaceWhole(const std::string& path,
+                                          const std::function<bool(FileWriter&)>& write) {
+  const std::string made = path + "." + std::to_string(::GetCurrentProcessId()) + ".saving";
+  UniqueFile file = OpenFile(made.c_str(), GENERIC_WRITE, 0, CREATE_ALWAYS);
+  if (!file) {
+    const DWORD error = ::GetLastError();
+    Replacement result = Failed(Replacement::Step::Create, error);
+    result.noFolder = error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME ||
+                      error == ERROR_BAD_PATHNAME;
+    return result;
+  }
+  HandleWriter writer(file.Get());
+  Replacement result;
+  if (!write(writer)) {
+    result = Failed(Replacement::Step::Write, writer.Error());
+  } else if (!::FlushFileBuffers(file.Get()) || !CloseNow(file)) {
+    // On the disk before it replaces the old file, so that no crash can leave a part of it there.
+    result = Failed(Replacement::Step::Write, ::GetLastError());
+  } else if (!::MoveFileExA(made.c_str(), path.c_str(),
+                            MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    result = Failed(Replacement::Step::Commit, ::GetLastError());
+  }
+  if (!result) {
+    CloseNow(file);
+    ::DeleteFileA(made.c_str());
+  }
+  return result;
+}
+
+Replacement Win32FileSystem::PutInPlace(const std::string& made, const std::string& path) {
+  {
+    UniqueFile file = OpenFile(made.c_str(), GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    if (!file || !::FlushFileBuffers(file.Get())) {
+      return Failed(Replacement::Step::Write, ::GetLastError());
+    }
+  }
+  if (!::MoveFileExA(made.c_str(), path.c_str(),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    return Failed(Replacement::Step::Commit, ::GetLastError());
+  }
+  return {};
+}
+
+}  // namespace quorvane::platform::win32

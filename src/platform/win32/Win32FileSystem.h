@@ -2,7 +2,7 @@
 // Whole-file operations over kernel32, on paths in the active code page.
 #include "platform/FileSystem.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32FileSystem final : public FileSystem {
  public:
@@ -16,6 +16,9 @@ class Win32FileSystem final : public FileSystem {
   bool ListFiles(const std::string& folder, std::vector<std::string>& names) override;
   bool RemoveFolderTree(const std::string& path) override;
   bool RenameFile(const std::string& source, const std::string& target) override;
+  Replacement ReplaceWhole(const std::string& path,
+                           const std::function<bool(FileWriter&)>& write) override;
+  Replacement PutInPlace(const std::string& made, const std::string& path) override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

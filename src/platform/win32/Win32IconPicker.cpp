@@ -10,22 +10,13 @@
 #include <utility>
 #include <vector>
 
-#include "platform/win32/UniqueHandle.h"
+#include "platform/win32/Handles.h"
 
 namespace quorvane::platform::win32 {
 
 namespace {
 
 namespace ip = icon_picker;
-
-template <class Handle, void (*Close)(Handle)>
-using Owned = UniqueHandle<Handle, Close>;
-
-void CloseIcon(HICON icon) { ::DestroyIcon(icon); }
-void CloseModule(HMODULE module) { ::FreeLibrary(module); }
-
-using UniqueIcon = Owned<HICON, &CloseIcon>;
-using UniqueModule = Owned<HMODULE, &CloseModule>;
 
 // More icons than any file of icons holds; a count beyond it is taken for a broken file.
 constexpr UINT kMostIcons = 65535;

@@ -16,6 +16,8 @@
 #include "codecs/BitmapFile.h"
 #include "codecs/PictureFormats.h"
 #include "platform/win32/GdiHandles.h"
+#include "platform/win32/Handles.h"
+#include "platform/win32/Win32FileSystem.h"
 
 namespace quorvane::platform::win32 {
 
@@ -33,119 +35,56 @@ constexpr std::uint64_t kSaveBufferBytes = std::uint64_t{1} << 18;
         "Path/File access error: \"" + path + "\" (error " + std::to_string(error) + ")");
 }
 
-// One reference to a COM object, given back at the end of its scope.
-template <class T>
-class Com {
- public:
-  Com() = default;
-  ~Com() {
-    if (p_ != nullptr) p_->Release();
-  }
-  Com(const Com&) = delete;
-  Com& operator=(const Com&) = delete;
-  T* operator->() const { return p_; }
-  T* Get() const { return p_; }
-  T** Out() { return &p_; }
-  void** OutVoid() { return reinterpret_cast<void**>(&p_); }
-
- private:
-  T* p_ = nullptr;
-};
-
-class FileHandle {
- public:
-  explicit FileHandle(HANDLE h) : h_(h) {}
-  ~FileHandle() {
-    if (h_ != INVALID_HANDLE_VALUE) ::CloseHandle(h_);
-  }
-  FileHandle(const FileHandle&) = delete;
-  FileHandle& operator=(const FileHandle&) = delete;
-  HANDLE Get() const { return h_; }
-  bool Close() {
-    if (h_ == INVALID_HANDLE_VALUE) return true;
-    const HANDLE h = h_;
-    h_ = INVALID_HANDLE_VALUE;
-    return ::CloseHandle(h) != FALSE;
-  }
-
- private:
-  HANDLE h_;
-};
-
-class ScreenContext {
- public:
-  ScreenContext() : dc_(::GetDC(nullptr)) {}
-  ~ScreenContext() {
-    if (dc_ != nullptr) ::ReleaseDC(nullptr, dc_);
-  }
-  ScreenContext(const ScreenContext&) = delete;
-  ScreenContext& operator=(const ScreenContext&) = delete;
-  HDC Get() const { return dc_; }
-
- private:
-  HDC dc_;
-};
-
 // Movable global memory, as the loader's streams want it, locked while this holds it.
 class GlobalBlock {
  public:
   GlobalBlock() = default;
   explicit GlobalBlock(std::size_t size) {
     if (size == 0) return;
-    memory_ = ::GlobalAlloc(GMEM_MOVEABLE, size);
-    if (memory_ == nullptr) return;
-    data_ = static_cast<std::uint8_t*>(::GlobalLock(memory_));
-    if (data_ != nullptr) size_ = size;
+    memory_.Reset(::GlobalAlloc(GMEM_MOVEABLE, size));
+    lock_ = GlobalLockScope(memory_.Get());
+    if (lock_) size_ = size;
   }
   explicit GlobalBlock(Bytes bytes) : GlobalBlock(bytes.size()) {
-    if (size_ != 0 && size_ == bytes.size()) std::memcpy(data_, bytes.data(), size_);
+    if (size_ != 0 && size_ == bytes.size()) std::memcpy(Data(), bytes.data(), size_);
   }
-  ~GlobalBlock() { Free(); }
   GlobalBlock(GlobalBlock&& other) noexcept
-      : memory_(std::exchange(other.memory_, nullptr)),
-        data_(std::exchange(other.data_, nullptr)),
+      : memory_(std::move(other.memory_)),
+        lock_(std::move(other.lock_)),
         size_(std::exchange(other.size_, 0)) {}
+  // The lock goes before the memory it is on.
   GlobalBlock& operator=(GlobalBlock&& other) noexcept {
     if (this != &other) {
-      Free();
-      memory_ = std::exchange(other.memory_, nullptr);
-      data_ = std::exchange(other.data_, nullptr);
+      lock_.Unlock();
+      memory_ = std::move(other.memory_);
+      lock_ = std::move(other.lock_);
       size_ = std::exchange(other.size_, 0);
     }
     return *this;
   }
-  GlobalBlock(const GlobalBlock&) = delete;
-  GlobalBlock& operator=(const GlobalBlock&) = delete;
 
-  std::uint8_t* Data() const { return data_; }
+  std::uint8_t* Data() const { return static_cast<std::uint8_t*>(lock_.Data()); }
   std::size_t Size() const { return size_; }
-  Bytes View() const { return {data_, size_}; }
+  Bytes View() const { return {Data(), size_}; }
 
   // A stream over the bytes themselves, not a copy; the block must outlive it.
-  bool MakeStream(Com<IStream>& stream) const {
-    return size_ != 0 && SUCCEEDED(::CreateStreamOnHGlobal(memory_, FALSE, stream.Out()));
+  bool MakeStream(ComPtr<IStream>& stream) const {
+    return size_ != 0 && SUCCEEDED(::CreateStreamOnHGlobal(memory_.Get(), FALSE, stream.Out()));
   }
 
  private:
-  void Free() {
-    if (data_ != nullptr) ::GlobalUnlock(memory_);
-    if (memory_ != nullptr) ::GlobalFree(memory_);
-    memory_ = nullptr;
-    data_ = nullptr;
-    size_ = 0;
-  }
-
-  HGLOBAL memory_ = nullptr;
-  std::uint8_t* data_ = nullptr;
+  // Declared in this order so that the lock is undone before the memory is freed.
+  UniqueGlobal memory_;
+  GlobalLockScope lock_;
   std::size_t size_ = 0;
 };
 
 // The file's bytes, read straight into the memory the loader's stream is made over, so that the
 // picture file is held once rather than once more as the stream's copy.
 GlobalBlock ReadWholeFile(const std::string& path) {
-  FileHandle file(::CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (file.Get() == INVALID_HANDLE_VALUE) {
+  const UniqueFile file =
+      OpenFile(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+  if (!file) {
     const DWORD error = ::GetLastError();
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
         error == ERROR_INVALID_NAME || error == ERROR_BAD_PATHNAME || path.empty()) {
@@ -179,28 +118,14 @@ GlobalBlock ReadWholeFile(const std::string& path) {
 class Canvas {
  public:
   Canvas(HDC reference, std::int32_t width, std::int32_t height)
-      : width_(width), height_(height) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    dc_ = ::CreateCompatibleDC(reference);
-    bitmap_ = ::CreateDIBSection(reference, &info, DIB_RGB_COLORS, &bits_, nullptr, 0);
-    if (dc_ != nullptr && bitmap_ != nullptr) old_ = ::SelectObject(dc_, bitmap_);
-  }
-  ~Canvas() {
-    if (old_ != nullptr) ::SelectObject(dc_, old_);
-    if (bitmap_ != nullptr) ::DeleteObject(bitmap_);
-    if (dc_ != nullptr) ::DeleteDC(dc_);
-  }
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
+      : width_(width),
+        height_(height),
+        dc_(::CreateCompatibleDC(reference)),
+        bitmap_(MakeSection(reference, width, height, bits_)),
+        selected_(dc_.Get(), bitmap_.Get()) {}
 
-  bool Ready() const { return old_ != nullptr && bits_ != nullptr; }
-  HDC Dc() const { return dc_; }
+  bool Ready() const { return static_cast<bool>(selected_) && bits_ != nullptr; }
+  HDC Dc() const { return dc_.Get(); }
   void Fill(std::uint32_t colour) {
     ::GdiFlush();
     std::fill_n(static_cast<std::uint32_t*>(bits_), Count(), colour);
@@ -216,15 +141,26 @@ class Canvas {
   }
 
  private:
+  static HBITMAP MakeSection(HDC reference, std::int32_t width, std::int32_t height, void*& bits) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    return ::CreateDIBSection(reference, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  }
   std::size_t Count() const {
     return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
   }
   std::int32_t width_;
   std::int32_t height_;
-  HDC dc_ = nullptr;
-  HBITMAP bitmap_ = nullptr;
-  HGDIOBJ old_ = nullptr;
   void* bits_ = nullptr;
+  // Declared in this order so that the section is selected out before it and the context go.
+  UniqueMemoryDC dc_;
+  UniqueBitmap bitmap_;
+  SelectScope selected_;
 };
 
 // The pixels of a plain bitmap picture, exactly as it holds them, into `into`, whose memory
@@ -246,7 +182,7 @@ bool CopyBitmap(HBITMAP bitmap, Pixels& into) {
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
-  ScreenContext screen;
+  const WindowDC screen;
   const int rows = ::GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(into.height),
                                into.bgra.data(), &info, DIB_RGB_COLORS);
   if (rows != into.height) {
@@ -270,7 +206,7 @@ std::optional<Pixels> RenderPicture(IPicture* picture, bool transparent) {
   if (FAILED(picture->get_Width(&hmWidth)) || FAILED(picture->get_Height(&hmHeight))) {
     return std::nullopt;
   }
-  ScreenContext screen;
+  const WindowDC screen;
   std::int32_t width = ToPixels(hmWidth, ::GetDeviceCaps(screen.Get(), LOGPIXELSX));
   std::int32_t height = ToPixels(hmHeight, ::GetDeviceCaps(screen.Get(), LOGPIXELSY));
   // A bitmap knows its own size in pixels; the HIMETRIC one may be a rounding away from it.
@@ -336,9 +272,9 @@ std::optional<Pixels> RenderPicture(IPicture* picture, bool transparent) {
 // The picture the OLE loader makes of the bytes, into `into` (see CopyBitmap); false, and
 // `into` as it was, when the loader makes none.
 bool LoadWithOle(const GlobalBlock& bytes, Pixels& into) {
-  Com<IStream> stream;
+  ComPtr<IStream> stream;
   if (!bytes.MakeStream(stream)) return false;
-  Com<IPicture> picture;
+  ComPtr<IPicture> picture;
   if (FAILED(::OleLoadPicture(stream.Get(), static_cast<LONG>(bytes.Size()), FALSE, IID_IPicture,
                               picture.OutVoid())) ||
       picture.Get() == nullptr) {
@@ -360,43 +296,29 @@ bool LoadWithOle(const GlobalBlock& bytes, Pixels& into) {
   return true;
 }
 
-// COM for this thread for the life of a scope, where it wasn't started already.
-class ComApartment {
- public:
-  ComApartment() : result_(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
-  ~ComApartment() {
-    if (SUCCEEDED(result_)) ::CoUninitialize();
-  }
-  ComApartment(const ComApartment&) = delete;
-  ComApartment& operator=(const ComApartment&) = delete;
-
- private:
-  HRESULT result_;
-};
-
 std::optional<Pixels> LoadWithImagingComponent(Bytes bytes) {
   if (bytes.size() > 0xFFFFFFFFu) return std::nullopt;
   ComApartment apartment;
-  Com<IWICImagingFactory> factory;
+  ComPtr<IWICImagingFactory> factory;
   if (FAILED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                                 IID_IWICImagingFactory, factory.OutVoid()))) {
     return std::nullopt;
   }
-  Com<IWICStream> stream;
+  ComPtr<IWICStream> stream;
   if (FAILED(factory->CreateStream(stream.Out())) ||
       FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(bytes.data()),
                                           static_cast<DWORD>(bytes.size())))) {
     return std::nullopt;
   }
-  Com<IWICBitmapDecoder> decoder;
+  ComPtr<IWICBitmapDecoder> decoder;
   if (FAILED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
                                               WICDecodeMetadataCacheOnDemand, decoder.Out()))) {
     return std::nullopt;
   }
-  Com<IWICBitmapFrameDecode> frame;
+  ComPtr<IWICBitmapFrameDecode> frame;
   if (FAILED(decoder->GetFrame(0, frame.Out()))) return std::nullopt;
   // Palette pictures convert to 32 bits with alpha; straight to 24 they may fail.
-  Com<IWICBitmapSource> converted;
+  ComPtr<IWICBitmapSource> converted;
   if (FAILED(::WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(),
                                       converted.Out()))) {
     return std::nullopt;
@@ -466,48 +388,22 @@ Pixels Win32Pictures::LoadPicture(const std::string& path) {
 void Win32Pictures::SavePicture(const Pixels& picture, const std::string& path) {
   // Checks the picture before anything is made on disk.
   codecs::BitmapFileEncoder encoder(picture);
-  // A new file beside the old one, named for this process, takes the old one's place at the end.
-  const std::string scratch = path + "." + std::to_string(::GetCurrentProcessId()) + ".saving";
-  FileHandle file(::CreateFileA(scratch.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (file.Get() == INVALID_HANDLE_VALUE) {
-    const DWORD error = ::GetLastError();
-    if (error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME ||
-        error == ERROR_BAD_PATHNAME) {
-      Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
-    }
-    RaiseAccess(path, error);
-  }
-  // Whatever went wrong, the scratch file goes and the old file stays as it was.
-  const auto giveUp = [&](DWORD error) {
-    file.Close();
-    ::DeleteFileA(scratch.c_str());
-    RaiseAccess(path, error);
-  };
   // The file goes out a piece at a time through one small buffer: a whole wallpaper's bytes
   // would be tens of megabytes of fresh memory, and touching that costs more than the writes.
   std::vector<std::uint8_t> buffer(
       static_cast<std::size_t>(std::min<std::uint64_t>(encoder.Size(), kSaveBufferBytes)));
-  while (!encoder.Done()) {
-    const std::size_t length = encoder.Next(buffer);
-    std::size_t done = 0;
-    while (done < length) {
-      DWORD written = 0;
-      if (!::WriteFile(file.Get(), buffer.data() + done, static_cast<DWORD>(length - done),
-                       &written, nullptr) ||
-          written == 0) {
-        giveUp(::GetLastError());
-      }
-      done += written;
+  // Into a new file beside the old one, which takes the old one's place at the end; whatever
+  // goes wrong, the old file stays as it was.
+  const Replacement saved = Win32FileSystem().ReplaceWhole(path, [&](FileWriter& file) {
+    while (!encoder.Done()) {
+      const std::size_t length = encoder.Next(buffer);
+      if (!file.Write(buffer.data(), length)) return false;
     }
-  }
-  // On the disk before it replaces the old file, so that no crash can leave a part of it there.
-  if (!::FlushFileBuffers(file.Get())) giveUp(::GetLastError());
-  if (!file.Close()) giveUp(::GetLastError());
-  if (!::MoveFileExA(scratch.c_str(), path.c_str(),
-                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    giveUp(::GetLastError());
-  }
+    return true;
+  });
+  if (saved) return;
+  if (saved.noFolder) Raise(FailureNumber::PathNotFound, "Path not found: \"" + path + "\"");
+  RaiseAccess(path, saved.error);
 }
 
 }  // namespace quorvane::platform::win32

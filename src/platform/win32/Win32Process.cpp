@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 std::string Win32Process::CommandLine() {
   const char* whole = ::GetCommandLineA();
@@ -12,4 +12,4 @@ std::string Win32Process::CommandLine() {
   return ArgumentsOf(whole);
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -2,7 +2,7 @@
 // The process's command line from the Windows API.
 #include "platform/Process.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32Process final : public Process {
  public:
@@ -10,4 +10,4 @@ class Win32Process final : public Process {
   std::string CommandLine() override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 std::uint32_t Win32ProfileFiles::GetPrivateProfileStringA(const char* section, const char* key,
                                                           const char* defaultValue, char* buffer,
@@ -17,4 +17,4 @@ std::int32_t Win32ProfileFiles::WritePrivateProfileStringA(const char* section, 
   return static_cast<std::int32_t>(::WritePrivateProfileStringA(section, key, value, file));
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

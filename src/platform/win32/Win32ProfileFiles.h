@@ -4,7 +4,7 @@
 
 #include "platform/ProfileFiles.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32ProfileFiles final : public ProfileFiles {
  public:
@@ -15,4 +15,4 @@ class Win32ProfileFiles final : public ProfileFiles {
                                           const char* value, const char* file) override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

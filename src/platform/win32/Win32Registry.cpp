@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 namespace {
 
@@ -108,4 +108,4 @@ RegStatus Win32Registry::RegEnumValueA(RegHandle key, std::uint32_t index, char*
   return Status(s);
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

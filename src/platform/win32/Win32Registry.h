@@ -2,7 +2,7 @@
 // The registry store over advapi32.
 #include "platform/RegistryStore.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32Registry final : public RegistryStore {
  public:
@@ -26,4 +26,4 @@ class Win32Registry final : public RegistryStore {
                           std::uint32_t* dataSize) override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

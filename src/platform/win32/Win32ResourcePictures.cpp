@@ -2,16 +2,18 @@
 
 #include <windows.h>
 
-namespace quorvane::platform {
+#include "platform/win32/Handles.h"
+
+namespace quorvane::platform::win32 {
 
 Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
   Pixels pixels;
-  HBITMAP bitmap = static_cast<HBITMAP>(::LoadImageA(::GetModuleHandleA(nullptr),
-                                                     MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0,
-                                                     LR_CREATEDIBSECTION));
-  if (bitmap == nullptr) return pixels;
+  const UniqueBitmap bitmap(static_cast<HBITMAP>(
+      ::LoadImageA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(number), IMAGE_BITMAP, 0, 0,
+                   LR_CREATEDIBSECTION)));
+  if (!bitmap) return pixels;
   BITMAP description{};
-  if (::GetObjectA(bitmap, sizeof description, &description) != 0 && description.bmWidth > 0 &&
+  if (::GetObjectA(bitmap.Get(), sizeof description, &description) != 0 && description.bmWidth > 0 &&
       description.bmHeight > 0) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
@@ -24,18 +26,16 @@ Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
     pixels.height = description.bmHeight;
     pixels.bgra.resize(static_cast<std::size_t>(pixels.width) *
                        static_cast<std::size_t>(pixels.height));
-    HDC screen = ::GetDC(nullptr);
-    const int rows = ::GetDIBits(screen, bitmap, 0, static_cast<UINT>(pixels.height),
+    const WindowDC screen;
+    const int rows = ::GetDIBits(screen.Get(), bitmap.Get(), 0, static_cast<UINT>(pixels.height),
                                  pixels.bgra.data(), &info, DIB_RGB_COLORS);
-    ::ReleaseDC(nullptr, screen);
     if (rows != pixels.height) {
       pixels = Pixels{};
     } else {
       for (std::uint32_t& p : pixels.bgra) p |= 0xFF000000u;  // resource bitmaps are opaque
     }
   }
-  ::DeleteObject(bitmap);
   return pixels;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -10,14 +10,12 @@
 
 namespace quorvane::platform::win32 {
 
-Win32SystemInfo::Win32SystemInfo(const std::string& resourceModule) : otherModule_(true) {
-  module_ = ::LoadLibraryExA(resourceModule.c_str(), nullptr,
-                             LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
-}
+Win32SystemInfo::Win32SystemInfo(const std::string& resourceModule)
+    : module_(::LoadLibraryExA(resourceModule.c_str(), nullptr,
+                               LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE)),
+      otherModule_(true) {}
 
-Win32SystemInfo::~Win32SystemInfo() {
-  if (module_ != nullptr) ::FreeLibrary(static_cast<HMODULE>(module_));
-}
+void Win32SystemInfo::FreeDataModule(void* module) { ::FreeLibrary(static_cast<HMODULE>(module)); }
 
 std::int32_t Win32SystemInfo::GetVersionExA(OsVersionInfo& info) {
   // Only the 148-byte record is carried here; any other size is refused, as the platform
@@ -62,7 +60,7 @@ std::int32_t Win32SystemInfo::SHGetPathFromIDListA(ItemIdList idList, std::strin
 
 std::optional<std::string> Win32SystemInfo::LoadResourceData(const std::string& type,
                                                              const std::string& name) {
-  HMODULE module = otherModule_ ? static_cast<HMODULE>(module_) : ::GetModuleHandleA(nullptr);
+  HMODULE module = otherModule_ ? static_cast<HMODULE>(module_.Get()) : ::GetModuleHandleA(nullptr);
   if (module == nullptr) return std::nullopt;
   HRSRC found = ::FindResourceA(module, name.c_str(), type.c_str());
   if (found == nullptr) return std::nullopt;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/SystemInfo.h"
+#include "platform/win32/UniqueHandle.h"
 
 namespace quorvane::platform::win32 {
 
@@ -14,9 +15,6 @@ class Win32SystemInfo final : public SystemInfo {
   // Resources come from another module file, loaded as data only (a check of what a built
   // program carries). When it can't be loaded, the program has no resources.
   explicit Win32SystemInfo(const std::string& resourceModule);
-  ~Win32SystemInfo() override;
-  Win32SystemInfo(const Win32SystemInfo&) = delete;
-  Win32SystemInfo& operator=(const Win32SystemInfo&) = delete;
 
   std::int32_t GetVersionExA(OsVersionInfo& info) override;
   std::int32_t SHGetSpecialFolderLocation(std::uint32_t owner, std::int32_t folderId,
@@ -27,7 +25,10 @@ class Win32SystemInfo final : public SystemInfo {
   std::string ExecutableFolder() override;
 
  private:
-  void* module_ = nullptr;  // a module loaded as data; null for the executable
+  // A module loaded as data, freed with FreeLibrary (its handle is kept untyped here so that this
+  // header needs no windows.h); empty for the executable.
+  static void FreeDataModule(void* module);
+  UniqueHandle<void*, &FreeDataModule> module_;
   bool otherModule_ = false;
 };
 

@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <shellapi.h>
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 namespace {
 
@@ -49,4 +49,4 @@ std::string Win32WindowActions::ProgramName() {
   return name;
 }
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/WindowActions.h"
 
-namespace quorvane::platform {
+namespace quorvane::platform::win32 {
 
 class Win32WindowActions final : public WindowActions {
  public:
@@ -15,4 +15,4 @@ class Win32WindowActions final : public WindowActions {
   std::string ProgramName() override;
 };
 
-}  // namespace quorvane::platform
+}  // namespace quorvane::platform::win32

@@ -1,25 +1,15 @@
 #pragma once
-// Owners of the handles the binding makes: each is closed once, by its owner.
-#include <windows.h>
-#include <commctrl.h>
-
-#include "platform/win32/UniqueHandle.h"
+// Owners of the handles the binding makes: the platform's owners, each closed once, by its owner.
+#include "platform/win32/Handles.h"
 
 namespace quorvane::ui::win32 {
 
 using platform::win32::UniqueHandle;
 
-inline void CloseGdiObject(HGDIOBJ object) { ::DeleteObject(object); }
-inline void CloseFont(HFONT font) { CloseGdiObject(font); }
-inline void CloseBrush(HBRUSH brush) { CloseGdiObject(brush); }
-inline void CloseBitmap(HBITMAP bitmap) { CloseGdiObject(bitmap); }
-inline void CloseImageList(HIMAGELIST list) { ::ImageList_Destroy(list); }
-inline void CloseMemoryDC(HDC dc) { ::DeleteDC(dc); }
-
-using UniqueFont = UniqueHandle<HFONT, &CloseFont>;
-using UniqueBrush = UniqueHandle<HBRUSH, &CloseBrush>;
-using UniqueBitmap = UniqueHandle<HBITMAP, &CloseBitmap>;
-using UniqueImageList = UniqueHandle<HIMAGELIST, &CloseImageList>;
-using UniqueMemoryDC = UniqueHandle<HDC, &CloseMemoryDC>;
+using platform::win32::UniqueBitmap;
+using platform::win32::UniqueBrush;
+using platform::win32::UniqueFont;
+using platform::win32::UniqueImageList;
+using platform::win32::UniqueMemoryDC;
 
 }  // namespace quorvane::ui::win32

@@ -5,28 +5,14 @@
 
 #include <atomic>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
 #include "Support.h"
 #include "platform/Service.h"
-#include "platform/portable/DecodedPictures.h"
-#include "platform/portable/GcabCollectionPacker.h"
-#include "platform/portable/MemoryRegistry.h"
-#include "platform/portable/PortableClipboard.h"
-#include "platform/portable/PortableClock.h"
-#include "platform/portable/PortableDeviceContexts.h"
-#include "platform/portable/PortableEventLoop.h"
-#include "platform/portable/PortableFileSystem.h"
-#include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableModalForms.h"
-#include "platform/portable/PortableProfileFiles.h"
-#include "platform/portable/PortableResourcePictures.h"
-#include "platform/portable/PortableSystemInfo.h"
-#include "platform/portable/PortableTray.h"
-#include "platform/portable/PortableWindowActions.h"
-#include "platform/portable/RecordingShellRequests.h"
-#include "platform/portable/RecordingWallpaper.h"
+#include "platform/portable/PortablePlatform.h"
 
 namespace quorvane::testing {
 
@@ -40,47 +26,21 @@ std::filesystem::path TempBase() {
 class PortableEnvironment : public ::testing::Environment {
  public:
   void SetUp() override {
-    platform::Install<platform::RegistryStore>(&registry_);
-    platform::Install<platform::FileSystem>(&files_);
-    platform::Install<platform::EventLoop>(&events_);
-    platform::Install<platform::ProfileFiles>(&profiles_);
-    platform::Install<platform::DeviceContexts>(&gdi_);
-    platform::Install<platform::Clipboard>(&clipboard_);
-    platform::Install<platform::Icons>(&icons_);
-    platform::Install<platform::Clock>(&clock_);
-    platform::Install<platform::ResourcePictures>(&pictures_);
-    platform::Install<platform::SystemInfo>(&system_);
-    platform::Install<platform::Tray>(&tray_);
-    platform::Install<platform::CollectionPackers>(&packers_);
-    platform::Install<platform::ShellRequests>(&shell_);
-    platform::Install<platform::Pictures>(&pictureFiles_);
-    platform::Install<platform::Wallpaper>(&wallpaper_);
-    platform::Install<platform::ModalForms>(&modalForms_);
-    platform::Install<platform::WindowActions>(&windowActions_);
+    platform_.emplace();
+    // The forms port, installed beside the platform.
+    forms_.emplace();
   }
   void TearDown() override {
+    forms_.reset();
+    platform_.reset();
     std::error_code ec;
     std::filesystem::remove_all(TempBase(), ec);
   }
 
  private:
-  platform::MemoryRegistry registry_;
-  platform::PortableFileSystem files_;
-  platform::PortableEventLoop events_;
-  platform::PortableProfileFiles profiles_;
-  platform::portable::PortableDeviceContexts gdi_;
-  platform::portable::PortableClipboard clipboard_{gdi_};
-  platform::portable::PortableIcons icons_{gdi_};
-  platform::portable::PortableClock clock_;
-  platform::PortableResourcePictures pictures_;
-  platform::portable::PortableSystemInfo system_;
-  platform::portable::PortableTray tray_;
-  platform::GcabCollectionPackers packers_;
-  platform::portable::RecordingShellRequests shell_;
-  platform::portable::DecodedPictures pictureFiles_;
-  platform::portable::RecordingWallpaper wallpaper_;
-  platform::portable::PortableModalForms modalForms_;
-  platform::PortableWindowActions windowActions_;
+  std::optional<platform::portable::PortablePlatform> platform_;
+  std::optional<platform::Installed<platform::ModalForms, platform::portable::PortableModalForms>>
+      forms_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =
