@@ -166,7 +166,7 @@ class RunEventTest : public ::testing::Test {
 
   std::string savedDataFolder_ = core::gDataFolder;
   testing::ScratchFolder root_{"regimes"};
-  platform::PortableFileSystem files_;
+  platform::portable::PortableFileSystem files_;
   platform::portable::PortableMessageBoxes boxes_;
   platform::ScopedService<platform::FileSystem> installedFiles_{files_};
   platform::ScopedService<platform::MessageBoxes> installedBoxes_{boxes_};
