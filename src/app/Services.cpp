@@ -21,7 +21,7 @@
 #include "platform/win32/Win32SystemInfo.h"
 #include "platform/win32/Win32Tray.h"
 #include "platform/win32/Win32Wallpaper.h"
-#include "ui/win32/SettingsWindow.h"
+#include "ui/win32/Win32Forms.h"
 
 namespace quorvane::app {
 
@@ -57,7 +57,7 @@ void InstallWin32Services() {
   InstallForGood<platform::ShellRequests, platform::win32::Win32ShellRequests>();
   InstallForGood<platform::Pictures, platform::win32::Win32Pictures>();
   InstallForGood<platform::Wallpaper, platform::win32::Win32Wallpaper>();
-  InstallForGood<platform::ModalForms, ui::win32::Win32ModalForms>();
+  InstallForGood<platform::Forms, ui::win32::Win32Forms>();
 }
 
 }  // namespace quorvane::app

@@ -2,7 +2,7 @@
 // Every portable service that the main window's routines reach, installed for the life of the
 // object: the registry in memory, the host's files and profile files, the recording shell,
 // application and wallpaper, the icons read from real files, collections packed with libgcab,
-// pictures decoded from their files, the modal forms acting out queued user actions, and the
+// pictures decoded from their files, the forms acting out queued user actions, and the
 // rest. Tests of FrmMain hold one and read what it recorded; a test that wants a port of its own
 // installs it over this one for its life.
 #include <filesystem>
@@ -23,7 +23,7 @@
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableMessageBoxes.h"
-#include "platform/portable/PortableModalForms.h"
+#include "platform/portable/PortableForms.h"
 #include "platform/portable/PortableNotification.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
@@ -55,7 +55,7 @@ struct PortableServices {
   platform::portable::DecodedPictures decoded;
   platform::portable::RecordingWallpaper wallpaper;
   platform::PortableWindowActions actions;
-  platform::portable::PortableModalForms modal;
+  platform::portable::PortableForms forms;
 
   // A machine for the main window's load routine: the application data folder and the program's
   // folder under `root`, and My Computer's stock icon, which the catalogue reads first.
@@ -101,7 +101,7 @@ struct PortableServices {
   platform::ScopedService<platform::Pictures> s15_{decoded};
   platform::ScopedService<platform::Wallpaper> s16_{wallpaper};
   platform::ScopedService<platform::WindowActions> s17_{actions};
-  platform::ScopedService<platform::ModalForms> s18_{modal};
+  platform::ScopedService<platform::Forms> s18_{forms};
 };
 
 // The main window's three icon previews drawn in memory, as its binding gives them surfaces.

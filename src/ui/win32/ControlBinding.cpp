@@ -74,28 +74,6 @@ const std::string& CaptionOf(const Control& control) {
 
 // --- names, units and classes -------------------------------------------------------------------
 
-std::string SystemNameOf(const Control& control) {
-  if (control.Index() < 0) return control.Name();
-  return control.Name() + "(" + std::to_string(control.Index()) + ")";
-}
-
-bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index) {
-  index = -1;
-  const std::size_t open = text.find('(');
-  if (open == std::string_view::npos) {
-    name.assign(text);
-    return !name.empty() && text.find(')') == std::string_view::npos;
-  }
-  if (open == 0 || text.size() < open + 3 || text.back() != ')') return false;
-  const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size() || value < 0) return false;
-  name.assign(text.substr(0, open));
-  index = value;
-  return true;
-}
-
 int ToPixels(std::int32_t twips) { return static_cast<int>(twips / kTwipsPerPixel); }
 
 std::uint32_t ToHandleValue(const void* handle) {
@@ -170,7 +148,7 @@ void AccessibleNames::Take(HWND window) const {
 
 // --- the records --------------------------------------------------------------------------------
 
-ControlBinding::ControlBinding(HINSTANCE instance) : instance_(instance) {}
+ControlBinding::ControlBinding(Form& form, HINSTANCE instance) : form_(form), instance_(instance) {}
 
 ControlBinding::~ControlBinding() {
   for (auto& record : records_) record->control->Observe(nullptr);
@@ -272,14 +250,7 @@ void ControlBinding::Changed(Control& control, Property property) {
 
 void ControlBinding::Run(const std::function<void()>& handler) {
   if (!handler) return;
-  const std::function<void()> call = handler;  // a handler may replace itself while it runs
-  try {
-    call();
-  } catch (const std::exception& failure) {
-    if (Failed) Failed(failure);
-  } catch (...) {
-    if (Failed) Failed(std::runtime_error("Unknown failure"));
-  }
+  RunEvent(form_, handler);
   Ran();
 }
 

@@ -1,17 +1,18 @@
 #pragma once
-// What the Windows bindings of the forms have in common: one record for each control of a form
-// and the windows that show it, made in the window of its container at its place; the system
-// names by which those windows are found from outside, and the accessible names they carry; the
-// captions' face and the brushes of the back colours; the parts of a spin edit; and what every
-// tree view does alike with the nodes of its model.
+// The records of the Windows binding of a form: one for each control of the form and the windows
+// that show it, made in the window of its container at its place; the system names by which
+// those windows are found from outside, and the accessible names they carry; the captions' face
+// and the brushes of the back colours; the parts of a spin edit; and what a tree view does with
+// the nodes of its model.
 //
-// A form's binding derives from ControlBinding. It makes its top-level window with MakeTopWindow
-// and binds the form's controls with BindAll: ControlBinding makes a record for each (containers
-// before what stands in them) through NewBound, has the binding make the windows through
-// MakeWindow, watches the controls and passes each change of the model that concerns a window on
-// to the binding's Apply routines. The classes of the top-level window and of the binding's own
-// controls take TopProcedure and PartProcedure: what every form does alike is done there, and the
-// rest goes on to TopMessage and PartMessage. Positions are the model's twips, 15 to the pixel.
+// The form's binding (FormWindow) derives from ControlBinding. It makes its top-level window with
+// MakeTopWindow and binds the form's controls with BindAll: ControlBinding makes a record for
+// each (containers before what stands in them) through NewBound, has the binding make the
+// windows through MakeWindow, watches the controls and passes each change of the model that
+// concerns a window on to the binding's Apply routines. The classes of the top-level window and
+// of the binding's own controls take TopProcedure and PartProcedure: what concerns every window
+// alike is done there, and the rest goes on to TopMessage and PartMessage. Every handler of the
+// model runs through ui::RunEvent. Positions are the model's twips, 15 to the pixel.
 #include <windows.h>
 #include <commctrl.h>
 
@@ -27,6 +28,7 @@
 #include <vector>
 
 #include "ui/Controls.h"
+#include "ui/Form.h"
 #include "ui/win32/Handles.h"
 
 struct IAccPropServices;
@@ -36,12 +38,6 @@ namespace quorvane::ui::win32 {
 // Registered message a form's top-level window answers: wParam is a global atom of a system
 // name, the answer the window of that control, 0 if there is none.
 inline constexpr const char* kFindControlMessage = "Quorvane.FindControl";
-
-// "TvDesktop" for a control, "CmdMenu(2)" for an element of a control array.
-std::string SystemNameOf(const Control& control);
-// Splits a system name into the control's name and the element's index, -1 for a control that
-// is no element. False for a text that is not a system name.
-bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index);
 
 int ToPixels(std::int32_t twips);
 // A handle as the model keeps it (hWnd, Icon): its low 32 bits, as the system's handles fit.
@@ -139,12 +135,11 @@ class ControlBinding : protected ControlObserver {
   HWND WindowOf(const Control& control) const;
   // The window of the control of that system name ("Name" or "Name(i)"); 0 if none.
   HWND Find(std::string_view systemName) const;
-
-  // A failure that came out of a handler of the form. The message loop goes on.
-  std::function<void(const std::exception& failure)> Failed;
+  // The form the binding shows.
+  Form& BoundForm() const { return form_; }
 
  protected:
-  explicit ControlBinding(HINSTANCE instance);
+  ControlBinding(Form& form, HINSTANCE instance);
   // Stops watching the controls. The form's binding has destroyed its windows by then.
   ~ControlBinding() override;
 
@@ -219,8 +214,7 @@ class ControlBinding : protected ControlObserver {
   void UseCaptionFont(HWND window) const;
   HBRUSH BrushOf(std::uint32_t color);
 
-  // Runs a handler of the model; a failure out of it goes to Failed, never into the system's
-  // window procedures.
+  // Runs a handler of the model through ui::RunEvent, with the form.
   void Run(const std::function<void()>& handler);
 
   // Set while the binding itself changes a window, so that the window's notifications of that
@@ -289,6 +283,7 @@ class ControlBinding : protected ControlObserver {
   // A window that shows the caption takes the new one; then the windows are drawn again.
   void ApplyCaption(BoundWindow& bound);
 
+  Form& form_;
   HINSTANCE instance_;
   HWND window_ = nullptr;
   UINT findMessage_ = 0;

@@ -19,7 +19,7 @@
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
-#include "platform/portable/PortableModalForms.h"
+#include "platform/portable/PortableForms.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
 #include "platform/portable/PortableSystemInfo.h"
@@ -55,7 +55,7 @@ class PortableEnvironment : public ::testing::Environment {
     platform::Install<platform::ShellRequests>(&shell_);
     platform::Install<platform::Pictures>(&pictureFiles_);
     platform::Install<platform::Wallpaper>(&wallpaper_);
-    platform::Install<platform::ModalForms>(&modalForms_);
+    platform::Install<platform::Forms>(&forms_);
     platform::Install<platform::WindowActions>(&windowActions_);
   }
   void TearDown() override {
@@ -79,7 +79,7 @@ class PortableEnvironment : public ::testing::Environment {
   platform::portable::RecordingShellRequests shell_;
   platform::portable::DecodedPictures pictureFiles_;
   platform::portable::RecordingWallpaper wallpaper_;
-  platform::portable::PortableModalForms modalForms_;
+  platform::portable::PortableForms forms_;
   platform::PortableWindowActions windowActions_;
 };
 

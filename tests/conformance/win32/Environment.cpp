@@ -26,7 +26,7 @@
 #include "platform/win32/Win32Tray.h"
 #include "platform/win32/Win32Wallpaper.h"
 #include "platform/win32/Win32WindowActions.h"
-#include "ui/win32/SettingsWindow.h"
+#include "ui/win32/Win32Forms.h"
 
 namespace quorvane::testing {
 
@@ -56,7 +56,7 @@ class Win32Environment : public ::testing::Environment {
     platform::Install<platform::ShellRequests>(&shell_);
     platform::Install<platform::Pictures>(&pictureFiles_);
     platform::Install<platform::Wallpaper>(&wallpaper_);
-    platform::Install<platform::ModalForms>(&modalForms_);
+    platform::Install<platform::Forms>(&forms_);
     platform::Install<platform::WindowActions>(&windowActions_);
   }
   void TearDown() override {
@@ -80,7 +80,7 @@ class Win32Environment : public ::testing::Environment {
   platform::win32::Win32ShellRequests shell_;
   platform::win32::Win32Pictures pictureFiles_;
   platform::win32::Win32Wallpaper wallpaper_;
-  ui::win32::Win32ModalForms modalForms_;
+  ui::win32::Win32Forms forms_;
   platform::Win32WindowActions windowActions_;
 };
 
