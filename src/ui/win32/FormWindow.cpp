@@ -510,6 +510,12 @@ std::uint32_t FormWindow::ColorBehind(const Control& control) const {
   return ::GetSysColor(COLOR_BTNFACE);
 }
 
+std::uint32_t FormWindow::SpinFace(const Control& spin) const {
+  // A text box with an up-down ("Txt…") stands on the dialog face; a spin box ("Cbo…") on what
+  // is behind it.
+  return spin.Name().rfind("Txt", 0) == 0 ? ::GetSysColor(COLOR_BTNFACE) : ColorBehind(spin);
+}
+
 HFONT FormWindow::FontOf(const Label& label) {
   const int points = label.FontSize() > 0 ? label.FontSize() : 8;
   if (points == 8 && !label.FontBold() && !label.FontUnderline()) return CaptionFont();
@@ -700,7 +706,7 @@ LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, 
       } else if (bound.kind == Kind::Spin) {
         PAINTSTRUCT ps{};
         HDC dc = ::BeginPaint(window, &ps);
-        ::FillRect(dc, &ps.rcPaint, ::GetSysColorBrush(COLOR_BTNFACE));
+        ::FillRect(dc, &ps.rcPaint, BrushOf(SpinFace(*bound.control)));
         ::EndPaint(window, &ps);
       } else {
         PaintBuffered(window, [&](HDC dc) { PaintPicture(bound, dc); });
@@ -865,13 +871,13 @@ bool FormWindow::ControlMessage(BoundWindow& sender, UINT message, WPARAM wParam
     return true;
   }
   if (message != WM_CTLCOLORSTATIC && message != WM_CTLCOLORBTN) return false;
-  // An option button stands on its own back colour, the parts of a spin edit on the dialog
-  // face, and the other controls on what is behind them.
+  // An option button stands on its own back colour, the parts of a spin edit on its face, and
+  // the other controls on what is behind them.
   const Control& control = *bound.control;
   const auto* option = dynamic_cast<const OptionButton*>(&control);
   std::uint32_t color = ColorBehind(control);
   if (option != nullptr) color = option->BackColor() & 0xFFFFFFu;
-  if (bound.kind == Kind::Spin) color = ::GetSysColor(COLOR_BTNFACE);
+  if (bound.kind == Kind::Spin) color = SpinFace(control);
   ::SetBkColor(reinterpret_cast<HDC>(wParam), color);
   result = reinterpret_cast<LRESULT>(BrushOf(color));
   return true;

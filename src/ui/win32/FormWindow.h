@@ -38,8 +38,9 @@
 //   OptionButton   a radio button on its own back colour; a click sets its Value
 //   CommandButton  a push button; a click runs Click
 //   ValueControl   a trackbar, or for the design's spin edits (named "Txt…" and "Cbo…") an edit
-//                  with an up-down inside a "QuorvaneSpinEdit" window; a Min and Max both 0 mean
-//                  no bounds
+//                  with an up-down inside a "QuorvaneSpinEdit" window, on the dialog face for a
+//                  text box ("Txt…"), on what is behind it for a spin box ("Cbo…"); a Min and
+//                  Max both 0 mean no bounds
 //   Timer          no window
 //
 // Found from outside: every child's window text is its system name ("TvDesktop", "CmdMenu(2)"),
@@ -158,6 +159,8 @@ class FormWindow final : public ControlBinding, private FormObserver {
   // Painting.
   // The colour behind a control: that of the picture box it stands in, or the dialog face.
   std::uint32_t ColorBehind(const Control& control) const;
+  // What shows round the parts of a spin edit.
+  std::uint32_t SpinFace(const Control& spin) const;
   void PaintPicture(BoundControl& bound, HDC dc);
   void PaintLabel(BoundControl& bound, HWND window, HDC dc);
   void PaintFrame(BoundControl& bound, HWND window, HDC dc);
