@@ -15,6 +15,7 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
+#include "core/Regimes.h"
 #include "platform/portable/PortableForms.h"
 #include "platform/portable/PortableWindowActions.h"
 #include "stores/AdvRegistryAccess.h"
@@ -600,6 +601,31 @@ TEST_F(SettingsFromMainTest, AnIntervalBeyondSixteenBitsIsSavedAndThenOverflowsO
   }
   EXPECT_EQ(Dword("TimeInterval"), 40000);
   EXPECT_EQ(forms_.Requests().back(), "FrmSettings unloaded");
+}
+
+// With the program's top-level report installed, a failure of the dialog's routine is told in a
+// message box and written to the log under the dialog's name, and the dialog stays up.
+TEST_F(SettingsFromMainTest, AFailureInTheDialogIsReportedAndTheDialogStays) {
+  struct Restore {
+    ~Restore() { ui::InstallEventRunner(nullptr); }
+  } restore;
+  core::InstallTopLevelReport();
+  MakeCollection("Sea", {"bay.jpg"});
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) {
+    form.TvCollections.Item(1).Checked = true;
+    fs::remove(Host(core::gDataFolder + "Sea.RXS"));
+    form.CmdSave.Click();
+  });
+  bool stillUp = false;
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) { stillUp = form.Loaded(); });
+  main_.CmdSettings_Click();
+  EXPECT_TRUE(stillUp);
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings closed by the title bar");
+  const auto& boxes = services_.boxes.Boxes();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].buttons, platform::msgbox::kOkOnly | platform::msgbox::kExclamation);
+  const std::string log = ReadFile(core::gDataFolder + core::kErrorLogName);
+  EXPECT_NE(log.find("\tFrmSettings\tevent\tline 0\terror "), std::string::npos) << log;
 }
 
 TEST_F(SettingsFromMainTest, AFailingActionEndsTheShowAndLeavesTheRestQueued) {

@@ -62,7 +62,7 @@ void PortableForms::Show(ui::Form& form, bool modal, std::uint32_t owner) {
     form.Visible(true);
     ui::RunEvent(form, [&] { form.Form_Activate(); });
     PlayQueued(form);
-    if (form.Loaded()) showing_.insert(name);
+    if (form.Loaded() && !Showing(name)) showing_.insert(name);
     return;
   }
   ShownWhile shown(showing_, name);
