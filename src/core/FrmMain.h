@@ -1,6 +1,8 @@
 #pragma once
-// The main window: its controls, as the design places them, its members, and its routines.
-// Routines of other modules reach the window through MainWindow().
+// The main window: a form of the control model with its controls (each made with the form, so
+// that it is among the form's controls), its members, and its routines. Where each control
+// stands is the design's table, FrmMainLayout.cpp; the routines behind the controls' events are
+// connected in the constructor. Routines of other modules reach the window through MainWindow().
 #include <array>
 #include <cstdint>
 #include <functional>

@@ -7,6 +7,9 @@
 // What the dialog saves is read back by the running program only when the dialog closes
 // (FrmMain::CmdSettings_Click); at the program's load and after a collection is created or
 // removed, the predecessor's key is read instead. The two keys are kept apart on purpose.
+//
+// Where each control stands is the design's table, FrmSettingsLayout.cpp; the form is shown
+// through the Forms port.
 #include <cstdint>
 #include <memory>
 #include <string>

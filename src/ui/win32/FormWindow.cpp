@@ -14,42 +14,6 @@
 
 namespace quorvane::ui::win32 {
 
-enum class Kind { Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin };
-
-// What the tree view shows of a node, as last given to it.
-struct NodeMirror {
-  std::string text;
-  std::int16_t image = 0;
-  std::int16_t selectedImage = 0;
-  bool bold = false;
-  bool checked = false;
-  bool expanded = false;
-};
-
-struct BoundControl final : BoundWindow {
-  explicit BoundControl(Kind what) : kind(what) {}
-  void WindowDestroyed() override { mirror.clear(); }
-
-  const Kind kind;
-  bool pressed = false;  // the left button went down on the window and has not come up yet
-  // Picture boxes: whether the persistent image is shown rather than the Picture.
-  bool showsDrawn = false;
-  // Tree views: what each item shows, by position from 1.
-  std::vector<NodeMirror> mirror;
-  bool hasLines = false;
-  POINT lastPress{-1, -1};  // where the last button went down, in the tree's client pixels
-  BoundImageList* images = nullptr;
-  bool statePending = false;
-};
-
-struct BoundImageList {
-  ImageList* model = nullptr;
-  UniqueImageList list;
-  int width = 0;
-  int height = 0;
-  std::int32_t count = 0;  // images in the real list, the model's first `count`
-};
-
 namespace {
 
 const char* const kPictureClass = "QuorvanePicture";
@@ -67,26 +31,11 @@ const char* const kHourglass = MAKEINTRESOURCEA(32514);
 constexpr UINT kUnticked = 1u << 12;
 constexpr UINT kTicked = 2u << 12;
 
-BoundControl& Of(BoundWindow& bound) { return static_cast<BoundControl&>(bound); }
-
 // The design names its spin edits "Txt…" and "Cbo…"; every other value control is a slider.
 bool IsSpinEdit(const std::string& name) {
   return name.rfind("Txt", 0) == 0 || name.rfind("Cbo", 0) == 0;
 }
 
-Kind KindOf(Control& control) {
-  if (dynamic_cast<TreeView*>(&control) != nullptr) return Kind::Tree;
-  if (dynamic_cast<PictureBox*>(&control) != nullptr) return Kind::Picture;
-  if (dynamic_cast<Label*>(&control) != nullptr) return Kind::Label;
-  if (dynamic_cast<Frame*>(&control) != nullptr) return Kind::Frame;
-  if (dynamic_cast<CheckBox*>(&control) != nullptr) return Kind::Check;
-  if (dynamic_cast<OptionButton*>(&control) != nullptr) return Kind::Option;
-  if (dynamic_cast<CommandButton*>(&control) != nullptr) return Kind::Command;
-  if (dynamic_cast<ValueControl*>(&control) != nullptr) {
-    return IsSpinEdit(control.Name()) ? Kind::Spin : Kind::Slider;
-  }
-  return Kind::Plain;
-}
 
 // The windows of the program's own classes; the rest are the system's controls.
 bool IsOwnClass(Kind kind) {
@@ -136,8 +85,22 @@ void PaintBuffered(HWND window, Painter&& paint) {
 
 }  // namespace
 
+Kind KindOf(Control& control) {
+  if (dynamic_cast<TreeView*>(&control) != nullptr) return Kind::Tree;
+  if (dynamic_cast<PictureBox*>(&control) != nullptr) return Kind::Picture;
+  if (dynamic_cast<Label*>(&control) != nullptr) return Kind::Label;
+  if (dynamic_cast<Frame*>(&control) != nullptr) return Kind::Frame;
+  if (dynamic_cast<CheckBox*>(&control) != nullptr) return Kind::Check;
+  if (dynamic_cast<OptionButton*>(&control) != nullptr) return Kind::Option;
+  if (dynamic_cast<CommandButton*>(&control) != nullptr) return Kind::Command;
+  if (dynamic_cast<ValueControl*>(&control) != nullptr) {
+    return IsSpinEdit(control.Name()) ? Kind::Spin : Kind::Slider;
+  }
+  return Kind::Plain;
+}
+
 FormWindow::FormWindow(Form& form, HINSTANCE instance, FormWindowOptions options)
-    : ControlBinding(form, instance), form_(form), options_(options) {}
+    : form_(form), instance_(instance), options_(options) {}
 
 FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
@@ -146,7 +109,10 @@ FormWindow::~FormWindow() {
   destroying_ = true;
   Destroy();
   for (auto& list : imageLists_) list->model->Observe(nullptr);
-  for (const auto& record : Records()) record->control->hWnd = 0;
+  for (const auto& record : records_) {
+    record->control->Observe(nullptr);
+    record->control->hWnd = 0;
+  }
 }
 
 std::string FormWindow::ClassNameFor(const Form& form) {
@@ -161,18 +127,18 @@ void FormWindow::OnRegisteredMessage(const char* name, std::function<void()> han
 
 void FormWindow::RegisterClasses() {
   const std::string top = ClassNameFor(form_);
-  RegisterWindowClass(Instance(),
+  RegisterWindowClass(instance_,
                       {.name = top.c_str(),
-                       .procedure = &ControlBinding::TopProcedure,
+                       .procedure = &FormWindow::TopProcedure,
                        .style = CS_DBLCLKS,
                        .background = ::GetSysColorBrush(COLOR_BTNFACE),
                        .icon = options_.icon,
                        .smallIcon = options_.smallIcon},
                       "A form's class was refused");
   for (const char* name : {kPictureClass, kLabelClass, kFrameClass, kSpinClass}) {
-    RegisterWindowClass(Instance(),
+    RegisterWindowClass(instance_,
                         {.name = name,
-                         .procedure = &ControlBinding::PartProcedure,
+                         .procedure = &FormWindow::PartProcedure,
                          .style = CS_DBLCLKS},
                         "A control's class was refused");
   }
@@ -260,12 +226,8 @@ void FormWindow::Create(HWND owner) {
   }
 }
 
-std::unique_ptr<BoundWindow> FormWindow::NewBound(Control& control) {
-  return std::make_unique<BoundControl>(KindOf(control));
-}
-
-void FormWindow::MakeWindow(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::MakeWindow(BoundControl& record) {
+  BoundControl& bound = record;
   Control& control = *bound.control;
   // A picture box draws on a memory image of its size; the window shows that image.
   if (auto* box = dynamic_cast<PictureBox*>(&control)) {
@@ -423,21 +385,21 @@ bool FormWindow::ShowsHourglass() const {
 
 // --- the model's changes ----------------------------------------------------------------------
 
-void FormWindow::ApplyEnabled(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyEnabled(BoundControl& record) {
+  BoundControl& bound = record;
   EnableWindows(bound);
   if (bound.kind == Kind::Label || bound.kind == Kind::Picture || bound.kind == Kind::Frame) {
     Repaint(bound);
   }
 }
 
-void FormWindow::ApplyPicture(BoundWindow& record, Property which) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyPicture(BoundControl& record, Property which) {
+  BoundControl& bound = record;
   bound.showsDrawn = which == Property::Image;
   Repaint(bound);
 }
 
-void FormWindow::Repaint(BoundWindow& bound) {
+void FormWindow::Repaint(BoundControl& bound) {
   // A window that is not on the screen is painted whole when it comes; until then there is
   // nothing to draw again. (While the form loads hidden, that saves a request per change.)
   if (::IsWindowVisible(bound.window) == 0) return;
@@ -445,8 +407,8 @@ void FormWindow::Repaint(BoundWindow& bound) {
   ::RedrawWindow(bound.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void FormWindow::ApplyValue(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyValue(BoundControl& record) {
+  BoundControl& bound = record;
   Applying applying(*this);
   switch (bound.kind) {
     case Kind::Check: {
@@ -690,9 +652,9 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
   }
 }
 
-LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, WPARAM wParam,
+LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message, WPARAM wParam,
                                 LPARAM lParam) {
-  BoundControl& bound = Of(record);
+  BoundControl& bound = record;
   if (bound.kind != Kind::Spin &&
       Mouse(bound.control, bound.pressed, window, message, wParam, lParam)) {
     return 0;
@@ -729,7 +691,7 @@ LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, 
 LRESULT CALLBACK FormWindow::SubclassProcedure(HWND window, UINT message, WPARAM wParam,
                                                LPARAM lParam, UINT_PTR /*id*/, DWORD_PTR data) {
   auto* bound = reinterpret_cast<BoundControl*>(data);
-  auto& self = static_cast<FormWindow&>(*bound->binding);
+  FormWindow& self = *bound->binding;
   Control& control = *bound->control;
   switch (message) {
     case WM_MOUSEMOVE:
@@ -834,8 +796,8 @@ bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT messag
 
 // --- events of the controls ---------------------------------------------------------------------
 
-void FormWindow::Command(BoundWindow& sender, UINT code) {
-  BoundControl& bound = Of(sender);
+void FormWindow::Command(BoundControl& sender, UINT code) {
+  BoundControl& bound = sender;
   if (code == BN_CLICKED) {
     Clicked(bound);
   } else if (bound.kind == Kind::Spin && code == EN_CHANGE) {
@@ -857,9 +819,9 @@ void FormWindow::Clicked(BoundControl& bound) {
   }
 }
 
-bool FormWindow::ControlMessage(BoundWindow& sender, UINT message, WPARAM wParam,
+bool FormWindow::ControlMessage(BoundControl& sender, UINT message, WPARAM wParam,
                                 LRESULT& result) {
-  BoundControl& bound = Of(sender);
+  BoundControl& bound = sender;
   if (message == WM_HSCROLL || message == WM_VSCROLL) {
     if (bound.kind == Kind::Slider && !IsApplying()) {
       auto& slider = static_cast<ValueControl&>(*bound.control);
@@ -896,8 +858,8 @@ void FormWindow::SpinEdited(BoundControl& bound) {
 
 // --- tree views -------------------------------------------------------------------------------
 
-void FormWindow::ApplyImages(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyImages(BoundControl& record) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   bound.images = nullptr;
   if (tree.Images != nullptr) {
@@ -948,8 +910,8 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
     }
     list.count = count;
   }
-  for (const auto& record : Records()) {
-    auto* bound = static_cast<BoundControl*>(record.get());
+  for (const auto& record : records_) {
+    BoundControl* bound = record.get();
     if (bound->images != &list || bound->window == nullptr) continue;
     if (remade) {
       ::SendMessageA(bound->window, TVM_SETIMAGELIST, TVSIL_NORMAL,
@@ -959,8 +921,8 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
   }
 }
 
-void FormWindow::ApplyNodes(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyNodes(BoundControl& record) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   const auto count = static_cast<std::size_t>(tree.Count());
   Applying applying(*this);
@@ -1006,8 +968,8 @@ void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
   bound.mirror.push_back(std::move(mirror));
 }
 
-void FormWindow::ApplyNodeStates(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyNodeStates(BoundControl& record) {
+  BoundControl& bound = record;
   // A tick the user may set next must meet the model's at once.
   if (static_cast<TreeView&>(*bound.control).Checkboxes) {
     SyncNodeStates(bound);
@@ -1091,13 +1053,13 @@ void FormWindow::PullChecks(BoundControl& bound) {
 }
 
 void FormWindow::PullAllChecks() {
-  for (const auto& record : Records()) {
-    if (Of(*record).kind == Kind::Tree) PullChecks(Of(*record));
+  for (const auto& record : records_) {
+    if (record->kind == Kind::Tree) PullChecks(*record);
   }
 }
 
-void FormWindow::TreeNotification(BoundWindow& record, const NMHDR& header, LPARAM lParam) {
-  BoundControl& bound = Of(record);
+void FormWindow::TreeNotification(BoundControl& record, const NMHDR& header, LPARAM lParam) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   switch (header.code) {
     case NM_CLICK: {
