@@ -50,11 +50,11 @@ if(WIN32)
   quorvane_target(icon_picker_win32)
   add_test(NAME icon_picker_on_screen
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:icon_picker_win32>)
-  # The settings dialog's conformance cases show the dialog: without a screen they skip, so they
-  # run once more on a virtual one.
+  # The conformance cases of the forms (the settings dialog among them) show windows: without a
+  # screen they skip, so they run once more on a virtual one.
   add_test(NAME settings_on_screen
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:conformance_win32>
-            --gtest_filter=SettingsConformance.*)
+            --gtest_filter=SettingsConformance.*:FormsConformance.*)
 else()
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/portable/*.cpp)
   quorvane_gtest_executable(conformance_portable
