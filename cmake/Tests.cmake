@@ -36,9 +36,9 @@ endfunction()
 file(GLOB QUORVANE_CONFORMANCE_SOURCES CONFIGURE_DEPENDS tests/conformance/*.cpp)
 if(WIN32)
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/win32/*.cpp)
-  # The settings dialog's cases need a screen, which the run under ctest has not: they run in
-  # settings_on_screen below, and not here.
-  set(conformance_win32_TEST_ARGUMENTS --gtest_filter=-SettingsConformance.*)
+  # The cases that show forms (the settings dialog among them) need a screen, which the run under
+  # ctest has not: they run in settings_on_screen below, and not here.
+  set(conformance_win32_TEST_ARGUMENTS --gtest_filter=-SettingsConformance.*:FormsConformance.*)
   quorvane_gtest_executable(conformance_win32
     ${QUORVANE_CONFORMANCE_SOURCES} ${QUORVANE_CONFORMANCE_ADAPTER})
   # The catalogue once more, on the "Windows XP" branch.
@@ -53,14 +53,18 @@ if(WIN32)
   quorvane_target(icon_picker_win32)
   add_test(NAME icon_picker_on_screen
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:icon_picker_win32>)
-  # The settings dialog's conformance cases show the dialog: they run on a virtual screen.
+  # The conformance cases of the forms (the settings dialog among them) show windows: they run
+  # on a virtual screen.
   add_test(NAME settings_on_screen
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/gtest-on-screen.sh $<TARGET_FILE:conformance_win32>
-            --gtest_filter=SettingsConformance.*)
+            --gtest_filter=SettingsConformance.*:FormsConformance.*)
 else()
   file(GLOB QUORVANE_CONFORMANCE_ADAPTER CONFIGURE_DEPENDS tests/conformance/portable/*.cpp)
   quorvane_gtest_executable(conformance_portable
     ${QUORVANE_CONFORMANCE_SOURCES} ${QUORVANE_CONFORMANCE_ADAPTER})
+
+  # Every source file includes only from its own ring and the rings below it.
+  add_test(NAME rings COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/check-rings.sh)
 
   file(GLOB QUORVANE_UNIT_SOURCES CONFIGURE_DEPENDS tests/unit/*.cpp)
   quorvane_gtest_executable(unit_tests ${QUORVANE_UNIT_SOURCES})

@@ -49,15 +49,12 @@ class MainWindow final : public core::MainForm {
 
  private:
   FrmMain& form_;
-  HICON icon_;
-  HICON smallIcon_;
   ui::win32::FormWindow window_;
   bool loaded_ = false;
   double loadMilliseconds_ = 0.0;
 };
 
-// Dispatches the thread's messages until the quit message comes, keeping the window's visibility
-// as the form has it after each one; returns the quit message's exit code.
-int RunMessageLoop(MainWindow& mainWindow);
+// Dispatches the thread's messages until the quit message comes; returns its exit code.
+int RunMessageLoop();
 
 }  // namespace quorvane::app

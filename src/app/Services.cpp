@@ -2,7 +2,7 @@
 
 #include "platform/Service.h"
 #include "platform/win32/Win32Platform.h"
-#include "ui/win32/SettingsWindow.h"
+#include "ui/win32/Win32Forms.h"
 
 namespace quorvane::app {
 
@@ -11,7 +11,7 @@ void InstallWin32Services() {
   static platform::win32::Win32Platform platform;
   // The forms port: its Windows adapter is the binding's, so it is installed here, beside the
   // platform, on a line of its own.
-  static platform::Installed<platform::ModalForms, ui::win32::Win32ModalForms> forms;
+  static platform::Installed<platform::Forms, ui::win32::Win32Forms> forms;
 }
 
 }  // namespace quorvane::app

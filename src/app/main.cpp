@@ -11,6 +11,7 @@
 #include "app/DesignPictures.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
+#include "core/Regimes.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Service.h"
 
@@ -18,6 +19,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLi
                    int /*showCommand*/) {
   using namespace quorvane;
   app::InstallWin32Services();
+  // Every event of every form meets the top-level report: a line in the log, a message box.
+  core::InstallTopLevelReport();
   // COM for the platform's pictures and for the accessible names of the controls.
   const HRESULT ole = ::OleInitialize(nullptr);
 #ifdef QUORVANE_STARTUP_BENCHMARK
@@ -39,7 +42,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE /*previous*/, LPSTR /*commandLi
   if (benchmark.Active()) benchmark.Shown(mainWindow, frmMain);
 #endif
   int exitCode = 0;
-  if (mainWindow.IsLoaded()) exitCode = app::RunMessageLoop(mainWindow);
+  if (mainWindow.IsLoaded()) exitCode = app::RunMessageLoop();
   if (SUCCEEDED(ole)) ::OleUninitialize();
   return exitCode;
 }

@@ -1,6 +1,8 @@
 #pragma once
-// The main window: its controls, as the design places them, its members, and its routines.
-// Routines of other modules reach the window through MainWindow().
+// The main window: a form of the control model with its controls (each made with the form, so
+// that it is among the form's controls), its members, and its routines. Where each control
+// stands is the design's table, FrmMainLayout.cpp; the routines behind the controls' events are
+// connected in the constructor. Routines of other modules reach the window through MainWindow().
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -10,6 +12,8 @@
 #include "base/Types.h"
 #include "stores/AdvRegistryAccess.h"
 #include "ui/Controls.h"
+#include "ui/Form.h"
+#include "ui/Layout.h"
 
 namespace quorvane {
 
@@ -28,112 +32,103 @@ struct IconRecord {
 // Rows 0 to 64 are used; 65 to 70 stay empty for the life of the program.
 inline constexpr std::size_t kIconRecordCount = 71;
 
-class FrmMain {
+// The main window's design: its caption, size and border, and where each control stands
+// (FrmMainLayout.cpp).
+extern const ui::FormLayout kFrmMainLayout;
+
+class FrmMain : public ui::Form {
  public:
   FrmMain();
-  FrmMain(const FrmMain&) = delete;
-  FrmMain& operator=(const FrmMain&) = delete;
-
-  // --- the window itself --------------------------------------------------------------------
-  std::string Caption = "Quorvane";
-  std::int32_t Width = 11250;   // twips
-  std::int32_t Height = 8550;
-  bool Visible = false;
-  // The picture the window draws behind its controls; empty, the window is plain.
-  ui::Pixels Picture;
-  // The real window and the window's own icon, once a binding made them; 0 headless.
-  std::uint32_t hWnd = 0;
-  std::uint32_t Icon = 0;
 
   // --- pages and commands -------------------------------------------------------------------
-  ui::PictureBox PBPelmoraMain{"PBPelmoraMain"};
-  ui::PictureBox PBFileSystem{"PBFileSystem"};
-  ui::PictureBox PBAppearance{"PBAppearance"};
-  ui::PictureBox PBWallpaper{"PBWallpaper"};
-  ui::PictureBox FrameCommands{"FrameCommands"};
-  ui::PictureBox FrameWallpaper{"FrameWallpaper"};
-  ui::ControlArray<ui::PictureBox, 4> CmdMenu{"CmdMenu"};
-  ui::PictureBox CmdWindow{"CmdWindow"};
-  ui::PictureBox CmdChange{"CmdChange"};
-  ui::PictureBox CmdReset{"CmdReset"};
-  ui::PictureBox CmdDefault{"CmdDefault"};
-  ui::PictureBox CmdApply{"CmdApply"};
-  ui::PictureBox CmdSetAsWallpaper{"CmdSetAsWallpaper"};
-  ui::PictureBox CmdSettings{"CmdSettings"};
-  ui::PictureBox CmdSlideShow{"CmdSlideShow"};
-  ui::PictureBox PicClose{"PicClose"};
-  ui::PictureBox PicMin{"PicMin"};
-  ui::ControlArray<ui::PictureBox, 2> imgTop{"imgTop"};
-  ui::ControlArray<ui::PictureBox, 2> imgTopRow{"imgTopRow"};
-  ui::ControlArray<ui::PictureBox, 2> imgTopRowHover{"imgTopRowHover"};
-  ui::Label LblCommandName{"LblCommandName"};
-  ui::Label LblCommandDesc{"LblCommandDesc"};
-  ui::Label LblDescribtion{"LblDescribtion"};
-  ui::Label Label30{"Label30"};
-  ui::Label Label33{"Label33"};
+  ui::PictureBox PBPelmoraMain{*this, "PBPelmoraMain"};
+  ui::PictureBox PBFileSystem{*this, "PBFileSystem"};
+  ui::PictureBox PBAppearance{*this, "PBAppearance"};
+  ui::PictureBox PBWallpaper{*this, "PBWallpaper"};
+  ui::PictureBox FrameCommands{*this, "FrameCommands"};
+  ui::PictureBox FrameWallpaper{*this, "FrameWallpaper"};
+  ui::ControlArray<ui::PictureBox, 4> CmdMenu{*this, "CmdMenu"};
+  ui::PictureBox CmdWindow{*this, "CmdWindow"};
+  ui::PictureBox CmdChange{*this, "CmdChange"};
+  ui::PictureBox CmdReset{*this, "CmdReset"};
+  ui::PictureBox CmdDefault{*this, "CmdDefault"};
+  ui::PictureBox CmdApply{*this, "CmdApply"};
+  ui::PictureBox CmdSetAsWallpaper{*this, "CmdSetAsWallpaper"};
+  ui::PictureBox CmdSettings{*this, "CmdSettings"};
+  ui::PictureBox CmdSlideShow{*this, "CmdSlideShow"};
+  ui::PictureBox PicClose{*this, "PicClose"};
+  ui::PictureBox PicMin{*this, "PicMin"};
+  ui::ControlArray<ui::PictureBox, 2> imgTop{*this, "imgTop"};
+  ui::ControlArray<ui::PictureBox, 2> imgTopRow{*this, "imgTopRow"};
+  ui::ControlArray<ui::PictureBox, 2> imgTopRowHover{*this, "imgTopRowHover"};
+  ui::Label LblCommandName{*this, "LblCommandName"};
+  ui::Label LblCommandDesc{*this, "LblCommandDesc"};
+  ui::Label LblDescribtion{*this, "LblDescribtion"};
+  ui::Label Label30{*this, "Label30"};
+  ui::Label Label33{*this, "Label33"};
 
   // --- the icon page --------------------------------------------------------------------------
-  ui::TreeView TvDesktop{"TvDesktop"};
-  ui::TreeView TvStartMenu{"TvStartMenu"};
-  ui::TreeView TvExplore{"TvExplore"};
-  ui::TreeView TvFileType{"TvFileType"};
-  ui::TreeView TvControlPanel{"TvControlPanel"};
+  ui::TreeView TvDesktop{*this, "TvDesktop"};
+  ui::TreeView TvStartMenu{*this, "TvStartMenu"};
+  ui::TreeView TvExplore{*this, "TvExplore"};
+  ui::TreeView TvFileType{*this, "TvFileType"};
+  ui::TreeView TvControlPanel{*this, "TvControlPanel"};
   ui::ImageList ILicons{"ILicons"};
-  ui::PictureBox sIcon{"sIcon"};
-  ui::PictureBox mIcon{"mIcon"};
-  ui::PictureBox lIcon{"lIcon"};
-  ui::Label LblIconCat{"LblIconCat"};
-  ui::Label Label4{"Label4"};
-  ui::Label Label5{"Label5"};
+  ui::PictureBox sIcon{*this, "sIcon"};
+  ui::PictureBox mIcon{*this, "mIcon"};
+  ui::PictureBox lIcon{*this, "lIcon"};
+  ui::Label LblIconCat{*this, "LblIconCat"};
+  ui::Label Label4{*this, "Label4"};
+  ui::Label Label5{*this, "Label5"};
 
   // --- the file system page -------------------------------------------------------------------
-  ui::TreeView Tree{"Tree"};
+  ui::TreeView Tree{*this, "Tree"};
   ui::ImageList Im16{"Im16"};
-  ui::PictureBox Pi1{"Pi1"};
-  ui::PictureBox PicSmall{"PicSmall"};
-  ui::PictureBox PicLarge{"PicLarge"};
+  ui::PictureBox Pi1{*this, "Pi1"};
+  ui::PictureBox PicSmall{*this, "PicSmall"};
+  ui::PictureBox PicLarge{*this, "PicLarge"};
 
   // --- the appearance page --------------------------------------------------------------------
-  ui::PictureBox Picture1{"Picture1"};
-  ui::ValueControl Slider{"Slider"};
-  ui::ValueControl TxtHorizontal{"TxtHorizontal"};
-  ui::ValueControl TxtVertical{"TxtVertical"};
-  ui::CheckBox ChkShowShortCut{"ChkShowShortCut"};
-  ui::Label LblAppearanceMsg{"LblAppearanceMsg"};
-  ui::Label LblStatus{"LblStatus"};
-  ui::Label Label8{"Label8"};
-  ui::Label Label9{"Label9"};
-  ui::Label Label12{"Label12"};
-  ui::Label Label14{"Label14"};
-  ui::Label Label17{"Label17"};
-  ui::PictureBox PBDesktop{"PBDesktop"};
-  ui::PictureBox ImgMyComputer{"ImgMyComputer"};
-  ui::PictureBox ImgMyDocuments{"ImgMyDocuments"};
-  ui::PictureBox ImgRecycleBin{"ImgRecycleBin"};
-  ui::Label LblMyComputer{"LblMyComputer"};
-  ui::Label LblMyDocuments{"LblMyDocuments"};
-  ui::Label LblRecycleBin{"LblRecycleBin"};
+  ui::PictureBox Picture1{*this, "Picture1"};
+  ui::ValueControl Slider{*this, "Slider"};
+  ui::ValueControl TxtHorizontal{*this, "TxtHorizontal"};
+  ui::ValueControl TxtVertical{*this, "TxtVertical"};
+  ui::CheckBox ChkShowShortCut{*this, "ChkShowShortCut"};
+  ui::Label LblAppearanceMsg{*this, "LblAppearanceMsg"};
+  ui::Label LblStatus{*this, "LblStatus"};
+  ui::Label Label8{*this, "Label8"};
+  ui::Label Label9{*this, "Label9"};
+  ui::Label Label12{*this, "Label12"};
+  ui::Label Label14{*this, "Label14"};
+  ui::Label Label17{*this, "Label17"};
+  ui::PictureBox PBDesktop{*this, "PBDesktop"};
+  ui::PictureBox ImgMyComputer{*this, "ImgMyComputer"};
+  ui::PictureBox ImgMyDocuments{*this, "ImgMyDocuments"};
+  ui::PictureBox ImgRecycleBin{*this, "ImgRecycleBin"};
+  ui::Label LblMyComputer{*this, "LblMyComputer"};
+  ui::Label LblMyDocuments{*this, "LblMyDocuments"};
+  ui::Label LblRecycleBin{*this, "LblRecycleBin"};
 
   // --- the wallpaper page ---------------------------------------------------------------------
-  ui::TreeView TvCollections{"TvCollections"};
-  ui::ControlArray<ui::Label, 3> CmdWallpaperControl{"CmdWallpaperControl"};
-  ui::Label Label13{"Label13"};
+  ui::TreeView TvCollections{*this, "TvCollections"};
+  ui::ControlArray<ui::Label, 3> CmdWallpaperControl{*this, "CmdWallpaperControl"};
+  ui::Label Label13{*this, "Label13"};
   // The thumbnail strip: graphical option buttons, one a picture of the selected collection
   // ("Double click to Browse"); the first exists from the start and stands for an empty strip.
-  ui::ControlArray<ui::OptionButton, 1> optThumb{"optThumb"};
+  ui::ControlArray<ui::OptionButton, 1> optThumb{*this, "optThumb"};
 
   // Decodes a picture for the wallpaper; sizes itself to its picture.
-  ui::PictureBox PBTempWallpaper{"PBTempWallpaper"};
+  ui::PictureBox PBTempWallpaper{*this, "PBTempWallpaper"};
   // The automatic wallpaper change: a tick a minute, in both run modes, never stopped.
-  ui::Timer Timer1{"Timer1"};
+  ui::Timer Timer1{*this, "Timer1"};
 
   // --- the tray -------------------------------------------------------------------------------
-  ui::PictureBox PicPopup{"PicPopup"};
-  ui::PictureBox ImgPopupWindows{"ImgPopupWindows"};
+  ui::PictureBox PicPopup{*this, "PicPopup"};
+  ui::PictureBox ImgPopupWindows{*this, "ImgPopupWindows"};
 
   // --- stores of design pictures ----------------------------------------------------------------
   // The small picture at the root of the folder tree.
-  ui::PictureBox Image2{"Image2"};
+  ui::PictureBox Image2{*this, "Image2"};
 
   // --- members --------------------------------------------------------------------------------
   std::array<IconRecord, kIconRecordCount> IconRecords;
@@ -164,9 +159,9 @@ class FrmMain {
   // --- routines -------------------------------------------------------------------------------
   // The load routine: everything the program does at its start, and again after icons are
   // written. Its one error path reports through ReportError.
-  void Form_Load();
+  void Form_Load() override;
   // Unload requests: `UnloadMode` 0 is the close from the system menu or the keyboard.
-  void Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode);
+  void Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode) override;
   void CmdMenu_Click(std::int16_t Index);
   // Hover: a control under the mouse shows its hover picture once, until another takes over.
   void CmdMenu_MouseMove(std::int16_t Index);
@@ -181,13 +176,13 @@ class FrmMain {
   void PicMin_MouseMove();
   void FrameCommands_MouseMove();
   void FrameWallpaper_MouseMove();
-  void Form_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y);
+  void Form_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y) override;
   void CmdWallpaperControl_MouseMove(std::int16_t Index);
   void PBWallpaper_MouseMove();
   void imgTop_MouseMove(std::int16_t Index);
   void imgTop_Click(std::int16_t Index);
   // A press on the window's background drags the window.
-  void Form_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
+  void Form_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y) override;
   void Label14_Click();
   void CmdWindow_Click();
   // Keeps the position of the last mouse move over CmdWindow, which its click reads.
@@ -239,11 +234,6 @@ class FrmMain {
   // The highlight colour of a wallpaper command under the mouse.
   static constexpr std::uint32_t kHighlight = 0xC0762A;
 
-  // Every control of the window, for a binding and for lookups by name.
-  const std::vector<ui::Control*>& Controls() const { return controls_; }
-  // The control of that name (and index, for an element of a control array); null if none.
-  ui::Control* FindControl(const std::string& name, std::int32_t index = -1) const;
-
  private:
 
   // Runs ResetHover, keeps the key and shows the picture, unless the key is already held.
@@ -252,7 +242,6 @@ class FrmMain {
   void ClearHover(const std::string& key);
 
   std::unique_ptr<AdvRegistryAccess> reg_;
-  std::vector<ui::Control*> controls_;
 };
 
 // The main window of the process; a failure when none is installed.

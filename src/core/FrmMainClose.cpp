@@ -31,7 +31,7 @@ void RemoveTrayIconTwice() {
 }
 
 void SetShown(FrmMain& form, bool visible) {
-  form.Visible = visible;
+  form.Visible(visible);
   platform::Use<platform::Application>().SetMainWindowVisible(visible);
 }
 
@@ -66,7 +66,7 @@ void FrmMain::PicMin_Click() {
 }
 
 void FrmMain::mnuShowHide_Click() {
-  if (!Visible) {
+  if (!Visible()) {
     SetShown(*this, true);
     platform::Use<platform::Application>().FocusMainWindow();
   } else {

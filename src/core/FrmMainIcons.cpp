@@ -8,12 +8,14 @@
 
 #include "base/Int16.h"
 #include "core/FrmMain.h"
+#include "core/FrmWorking.h"
 #include "base/Numbers.h"
 #include "base/Text.h"
 #include "icons/IconRecordWrites.h"
 #include "icons/modextracticon.h"
 #include "platform/Application.h"
 #include "platform/EventLoop.h"
+#include "platform/Forms.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Service.h"
 
@@ -37,17 +39,18 @@ std::int16_t ImageNumberOf(const ui::TagValue& tag) {
   return CheckedInt16(number);
 }
 
-// The busy display of a write: the hourglass and FrmWorking, with a yield so that they show.
-void ShowBusy() {
+// The busy display of a write: the hourglass and FrmWorking over the main window, with a yield
+// so that they show.
+void ShowBusy(const FrmMain& form) {
   auto& application = platform::Use<platform::Application>();
   application.SetMousePointer(platform::kHourglassPointer);
-  application.ShowWorking();
+  platform::Use<platform::Forms>().Show(WorkingWindow(), false, form.hWnd);
   DoEvents();
 }
 
 void EndBusyAskingForARestart() {
   auto& application = platform::Use<platform::Application>();
-  application.UnloadWorking();
+  platform::Use<platform::Forms>().Unload(WorkingWindow());
   application.SetMousePointer(platform::kDefaultPointer);
   Message("Please restart to apply the changes");
 }
@@ -184,7 +187,7 @@ void FrmMain::CmdApply_Click() {
     }
     return;
   }
-  ShowBusy();
+  ShowBusy(*this);
 
   if (ui::TreeView* tree = VisibleTree()) {
     const std::int32_t count = tree->Count();
@@ -221,7 +224,7 @@ void FrmMain::CmdDefault_Click() {
     }
     return;
   }
-  ShowBusy();
+  ShowBusy(*this);
 
   // Only the selected row goes back to stock, staged or not.
   if (ui::TreeView* tree = VisibleTree()) {

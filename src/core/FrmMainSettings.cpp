@@ -1,7 +1,7 @@
 // FrmMain: the wallpaper page's settings command.
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
-#include "platform/ModalForms.h"
+#include "platform/Forms.h"
 #include "platform/Service.h"
 #include "wallpaper/FrmSettings.h"
 #include "wallpaper/MWallpaper.h"
@@ -12,7 +12,7 @@ namespace quorvane {
 // minute count and the last entry used go on as they stood.
 void FrmMain::CmdSettings_Click() {
   FrmSettings settings;
-  platform::Use<platform::ModalForms>().ShowSettings(settings, hWnd);
+  platform::Use<platform::Forms>().Show(settings, true, hWnd);
   LoadWallpaperSettings(core::ProductKey);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // What the system asks of the application as a whole: showing and hiding its main window,
-// unloading that window, its mouse pointer, the busy window FrmWorking, and ending the process.
+// unloading that window, its mouse pointer, and ending the process. (Its other forms, FrmWorking
+// among them, are shown and unloaded through the Forms port.)
 #include <cstdint>
 
 namespace quorvane::platform {
@@ -24,10 +25,6 @@ class Application {
   virtual void EndProcess() = 0;
   // The pointer over the main window and its controls: kDefaultPointer or kHourglassPointer.
   virtual void SetMousePointer(std::int16_t pointer) = 0;
-  // FrmWorking, a small busy window with a picture and no logic: shown without blocking, owned
-  // by the main window, over it; and unloaded.
-  virtual void ShowWorking() = 0;
-  virtual void UnloadWorking() = 0;
 };
 
 }  // namespace quorvane::platform

@@ -1,12 +1,23 @@
 #include "ui/Controls.h"
 
+#include <charconv>
 #include <utility>
 
 #include "base/Failure.h"
+#include "ui/Form.h"
 
 namespace quorvane::ui {
 
 Control::Control(std::string name, std::int32_t index) : name_(std::move(name)), index_(index) {}
+
+Control::Control(Form& owner, std::string name, std::int32_t index)
+    : name_(std::move(name)), index_(index), owner_(&owner) {
+  owner.Register(*this);
+}
+
+Control::~Control() {
+  if (owner_ != nullptr) owner_->Forget(*this);
+}
 
 void Control::Notify(Property property) {
   if (observer_ != nullptr) observer_->Changed(*this, property);
@@ -190,6 +201,9 @@ void TreeView::NodeChanged(std::int32_t position) {
 
 PictureBox::PictureBox(std::string name, std::int32_t index) : Control(std::move(name), index) {}
 
+PictureBox::PictureBox(Form& owner, std::string name, std::int32_t index)
+    : Control(owner, std::move(name), index) {}
+
 void PictureBox::Picture(const Pixels& value) {
   picture_ = value;
   Notify(Property::Picture);
@@ -224,6 +238,28 @@ Control* FindControl(const std::vector<Control*>& controls, const std::string& n
     if (c->Name() == name && c->Index() == index) return c;
   }
   return nullptr;
+}
+
+std::string SystemNameOf(const Control& control) {
+  if (control.Index() < 0) return control.Name();
+  return control.Name() + "(" + std::to_string(control.Index()) + ")";
+}
+
+bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index) {
+  index = -1;
+  const std::size_t open = text.find('(');
+  if (open == std::string_view::npos) {
+    name.assign(text);
+    return !name.empty() && text.find(')') == std::string_view::npos;
+  }
+  if (open == 0 || text.size() < open + 3 || text.back() != ')') return false;
+  const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
+  std::int32_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (error != std::errc() || end != digits.data() + digits.size() || value < 0) return false;
+  name.assign(text.substr(0, open));
+  index = value;
+  return true;
 }
 
 }  // namespace quorvane::ui

@@ -12,6 +12,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -30,6 +31,7 @@ enum class Property {
 };
 
 class Control;
+class Form;
 
 class ControlObserver {
  public:
@@ -42,15 +44,20 @@ using TagValue = std::variant<std::monostate, std::int32_t, std::string>;
 
 class Control {
  public:
-  // `index` is the element's index in a control array, -1 for a control that is none.
+  // `index` is the element's index in a control array, -1 for a control that is none. A control
+  // made without a form stands alone (tests of one control); one made with its form is among
+  // the form's controls from then on, until it goes.
   explicit Control(std::string name, std::int32_t index = -1);
-  virtual ~Control() = default;
+  Control(Form& owner, std::string name, std::int32_t index = -1);
+  virtual ~Control();
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
 
   // The system's name of the control ("TvDesktop"), and of an element its index.
   const std::string& Name() const { return name_; }
   std::int32_t Index() const { return index_; }
+  // The form the control belongs to; null for a control that stands alone.
+  Form* Owner() const { return owner_; }
 
   bool Visible() const { return visible_; }
   void Visible(bool value);
@@ -88,6 +95,7 @@ class Control {
  private:
   std::string name_;
   std::int32_t index_;
+  Form* owner_ = nullptr;
   bool visible_ = true;
   bool enabled_ = true;
   std::string tag_;
@@ -264,6 +272,8 @@ class TreeView : public Control {
 
   // The image list the nodes' image numbers refer to.
   ImageList* Images = nullptr;
+  // A tree with tick boxes: each node shows its Checked.
+  bool Checkboxes = false;
 
  private:
   std::vector<Node> nodes_;
@@ -288,6 +298,7 @@ class Surface {
 class PictureBox : public Control {
  public:
   explicit PictureBox(std::string name, std::int32_t index = -1);
+  PictureBox(Form& owner, std::string name, std::int32_t index = -1);
 
   // The picture shown, as pixels; empty for none.
   const Pixels& Picture() const { return picture_; }
@@ -323,6 +334,13 @@ class PictureBox : public Control {
 Control* FindControl(const std::vector<Control*>& controls, const std::string& name,
                      std::int32_t index);
 
+// The system name of a control as drivers from outside know it: "TvDesktop" for a control,
+// "CmdMenu(2)" for an element of a control array.
+std::string SystemNameOf(const Control& control);
+// Splits a system name into the control's name and the element's index, -1 for a control that
+// is no element. False for a text that is not a system name.
+bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index);
+
 // A control array: elements of one name, counted from 0.
 template <class T, std::size_t N>
 class ControlArray {
@@ -330,6 +348,12 @@ class ControlArray {
   explicit ControlArray(const std::string& name) {
     for (std::size_t i = 0; i < N; ++i) {
       elements_[i] = std::make_unique<T>(name, static_cast<std::int32_t>(i));
+    }
+  }
+  // The elements belong to `owner`, in the order of their indexes.
+  ControlArray(Form& owner, const std::string& name) {
+    for (std::size_t i = 0; i < N; ++i) {
+      elements_[i] = std::make_unique<T>(owner, name, static_cast<std::int32_t>(i));
     }
   }
   T& operator[](std::size_t index) { return *elements_.at(index); }

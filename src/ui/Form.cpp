@@ -1,4 +1,3 @@
-// A minimal form of the control model: what the failure regimes and their tests need.
 #include "ui/Form.h"
 
 #include <algorithm>
@@ -8,20 +7,14 @@
 
 namespace quorvane::ui {
 
-namespace {
-
-EventRunner& Runner() {
-  static EventRunner runner;
-  return runner;
-}
-
-}  // namespace
-
 Form::Form(std::string name) : name_(std::move(name)) {}
 
+// The controls are members of the form's own class and are gone by now. A binding goes before
+// its form.
 Form::~Form() = default;
 
 void Form::Visible(bool value) {
+  if (visible_ == value) return;
   visible_ = value;
   if (observer_ != nullptr) observer_->VisibleChanged(*this);
 }
@@ -33,8 +26,21 @@ void Form::Load() {
 }
 
 void Form::Unload() {
+  if (loaded_) QueryAndUnload(kUnloadFromCode);
+}
+
+bool Form::QueryAndUnload(std::int16_t unloadMode) {
+  const bool refusable = unloadMode != kUnloadAtSessionEnd;
+  std::int16_t cancel = 0;
+  Form_QueryUnload(cancel, unloadMode);
+  if (cancel != 0 && refusable) return false;
+  cancel = 0;
+  Form_Unload(cancel);
+  if (cancel != 0 && refusable) return false;
   loaded_ = false;
+  visible_ = false;
   if (observer_ != nullptr) observer_->Unloaded(*this);
+  return true;
 }
 
 Control* Form::FindControl(const std::string& name, std::int32_t index) const {
@@ -55,13 +61,28 @@ void Form::Forget(Control& control) {
   controls_.erase(std::remove(controls_.begin(), controls_.end(), &control), controls_.end());
 }
 
-void InstallEventRunner(EventRunner runner) { Runner() = std::move(runner); }
+// --- events through the top-level report ------------------------------------------------------
+
+namespace {
+
+EventRunner& InstalledRunner() {
+  static EventRunner runner;
+  return runner;
+}
+
+}  // namespace
+
+void InstallEventRunner(EventRunner runner) { InstalledRunner() = std::move(runner); }
 
 void RunEvent(Form& form, const std::function<void()>& handler) {
-  if (Runner()) {
-    Runner()(form, handler);
-  } else if (handler) {
-    handler();
+  if (!handler) return;
+  // A handler may replace itself while it runs: the copy runs to its end.
+  const std::function<void()> call = handler;
+  const EventRunner& runner = InstalledRunner();
+  if (runner) {
+    runner(form, call);
+  } else {
+    call();
   }
 }
 

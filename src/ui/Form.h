@@ -25,7 +25,14 @@ enum class BorderStyle : std::int16_t {
   None = 0,         // no frame and no caption bar
   FixedSingle = 1,  // a thin frame with a caption bar and a close box
   FixedDialog = 3,  // a dialog frame with a caption bar and a close box
+  // A small tool window's thin frame; with no caption, no caption bar either: a line round the
+  // window.
+  FixedToolWindow = 4,
 };
+
+// The mouse pointers a form shows over itself and its controls.
+inline constexpr std::int16_t kDefaultPointer = 0;
+inline constexpr std::int16_t kHourglassPointer = 11;
 
 // Why a form is asked to unload.
 inline constexpr std::int16_t kUnloadFromMenu = 0;         // system menu, Alt+F4, the close box
@@ -50,6 +57,8 @@ class Form {
   BorderStyle Border = BorderStyle::None;
   // The picture drawn behind the controls; empty, the form is plain.
   Pixels Picture;
+  // The pointer over the form and every control of it: kDefaultPointer or kHourglassPointer.
+  std::int16_t MousePointer = kDefaultPointer;
   // The real window and the window's own icon, once a binding made them; 0 headless.
   std::uint32_t hWnd = 0;
   std::uint32_t Icon = 0;
@@ -77,8 +86,14 @@ class Form {
 
   // Loads the form when it is not loaded: Loaded() becomes true and Form_Load runs.
   void Load();
-  // Unloads the form from its own code: the binding's window goes and Loaded() is false after.
+  // Unloads the form from its own code: QueryUnload (kUnloadFromCode) and Unload are asked, and
+  // unless one of them cancels, the binding's window goes and Loaded() is false after. A form
+  // that is not loaded stays as it is.
   void Unload();
+  // A request to unload for `unloadMode`: QueryUnload, then Unload, each of which may cancel it.
+  // Gives whether the form unloaded. The end of the session (kUnloadAtSessionEnd) is not refused:
+  // the form unloads then whatever its events say.
+  bool QueryAndUnload(std::int16_t unloadMode);
 
   // --- controls -------------------------------------------------------------------------------
   // Every control of the form, in the order they were made.

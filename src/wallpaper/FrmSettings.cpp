@@ -5,7 +5,7 @@
 #include "base/Failure.h"
 #include "core/MainModule.h"
 #include "base/Text.h"
-#include "platform/ModalForms.h"
+#include "platform/Forms.h"
 #include "platform/Service.h"
 #include "platform/WindowActions.h"
 #include "wallpaper/MWallpaper.h"
@@ -15,17 +15,6 @@ namespace quorvane {
 namespace {
 
 constexpr std::uint32_t kWhite = 0xFFFFFF;
-// The dialog's own face, behind what load does not make white.
-constexpr std::uint32_t kFace = 0xF0F0F0;
-
-void Place(ui::Control& c, std::int32_t left, std::int32_t top, std::int32_t width,
-           std::int32_t height, ui::Control* container = nullptr) {
-  c.Left(left);
-  c.Top(top);
-  c.Width(width);
-  c.Height(height);
-  c.Container = container;
-}
 
 // A stored number as the state of a check box: 0 unticked, 1 ticked, 2 greyed. Any other number
 // is no state a check box can take.
@@ -38,31 +27,8 @@ std::int16_t CheckState(std::int32_t value) {
 
 }  // namespace
 
-FrmSettings::FrmSettings() {
-  controls_ = {&Picture1,       &Label1,        &Picture2,         &ChkEnable,     &Label2,
-               &CboMinutes,     &Label3,        &Frame1,           &OptSequentially,
-               &OptRandomally,  &Frame2,        &Label5,           &OptTileImages,
-               &OptCenterImage, &OptStrechImage, &Label4,          &TvCollections,
-               &ChkLoadWallpaper, &CmdSave};
-
-  // Design-time captions.
-  Label1.Caption(
-      "Quorvane will change wallpapers from the selected collections below. If you do not want "
-      "to include a collection uncheck it.");
-  ChkEnable.Caption("Enable automatic Wallpaper change");
-  Label2.Caption("Change wallpaper every ");
-  Label3.Caption("minutes");
-  Frame1.Caption("Wallpaper Changing Options");
-  OptSequentially.Caption("Change Sequentially");
-  OptRandomally.Caption("Change Randomally");
-  Frame2.Caption("Wallpaper Position");
-  Label5.Caption("Wallpaper Position:");
-  OptTileImages.Caption("Tile images");
-  OptCenterImage.Caption("Center image on desktop");
-  OptStrechImage.Caption("Strech the image to fit desktop");
-  Label4.Caption("Collections:");
-  ChkLoadWallpaper.Caption("Load Quorvane during Windows startup");
-  CmdSave.Caption("Save");
+FrmSettings::FrmSettings() : ui::Form("FrmSettings") {
+  ui::ApplyLayout(*this, kFrmSettingsLayout);
 
   // The spin edit has no bounds of its own: its change routine keeps it from going below 0.
   CboMinutes.Min = 0;
@@ -70,30 +36,8 @@ FrmSettings::FrmSettings() {
   // The buttons of one frame clear each other.
   ui::OptionButton::Group({&OptSequentially, &OptRandomally});
   ui::OptionButton::Group({&OptTileImages, &OptCenterImage, &OptStrechImage});
-  Picture1.BackColor = kFace;
-  Picture2.BackColor = kFace;
-
-  // Design-time places, in twips: the explanation across the top, the change's settings below
-  // it, then the collections, the start with Windows and the command.
-  Place(Picture1, 0, 0, 7200, 960);
-  Place(Label1, 240, 180, 6720, 600, &Picture1);
-  Place(Picture2, 0, 960, 7200, 3900);
-  Place(ChkEnable, 240, 180, 5400, 300, &Picture2);
-  Place(Label2, 240, 630, 2460, 255, &Picture2);
-  Place(CboMinutes, 2700, 585, 900, 330, &Picture2);
-  Place(Label3, 3720, 630, 1200, 255, &Picture2);
-  Place(Frame1, 240, 1080, 6720, 780, &Picture2);
-  Place(OptSequentially, 240, 360, 3000, 300, &Frame1);
-  Place(OptRandomally, 3480, 360, 3000, 300, &Frame1);
-  Place(Frame2, 240, 1980, 6720, 1740, &Picture2);
-  Place(Label5, 240, 330, 3000, 255, &Frame2);
-  Place(OptTileImages, 240, 660, 6240, 300, &Frame2);
-  Place(OptCenterImage, 240, 990, 6240, 300, &Frame2);
-  Place(OptStrechImage, 240, 1320, 6240, 300, &Frame2);
-  Place(Label4, 240, 4980, 3000, 255);
-  Place(TvCollections, 240, 5265, 6720, 1860);
-  Place(ChkLoadWallpaper, 240, 7245, 4800, 300);
-  Place(CmdSave, 5760, 7620, 1200, 390);
+  // The collections' tree shows a tick box on each node.
+  TvCollections.Checkboxes = true;
 
   // The form's routines behind the controls' events.
   CboMinutes.Change = [this] { CboMinutes_Change(); };
@@ -107,11 +51,7 @@ AdvRegistryAccess& FrmSettings::Reg() {
   return *reg_;
 }
 
-ui::Control* FrmSettings::FindControl(const std::string& name, std::int32_t index) const {
-  return ui::FindControl(controls_, name, index);
-}
-
-void FrmSettings::Form_Initialize() { platform::Use<platform::ModalForms>().InitCommonControls(); }
+void FrmSettings::Form_Initialize() { platform::Use<platform::Forms>().InitCommonControls(); }
 
 void FrmSettings::Form_Load() {
   for (ui::OptionButton* option :

@@ -12,7 +12,7 @@
 #include "core/MainModule.h"
 #include "icons/Catalogue.h"
 #include "icons/FillTree.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane::testing {
 namespace {
@@ -34,7 +34,7 @@ class CatalogueConformance : public ::testing::Test {
     core::gProgramFilesFolder = core::GetSpecialFolder(0x26);
     form_.OSName = core::GetOSName();
     for (ui::PictureBox* box : {&form_.sIcon, &form_.lIcon, &form_.mIcon}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
+      box->UseSurface(std::make_shared<platform::MemorySurface>());
     }
   }
   void TearDown() override {

@@ -19,7 +19,7 @@
 #include "platform/Icons.h"
 #include "platform/Service.h"
 #include "ui/Controls.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane::testing {
 namespace {
@@ -497,7 +497,7 @@ TEST(PlatformIconsTest, TheExecutableTypeQueryOfAFolderIsZero) {
 
 TEST(MemorySurfaceTest, ABoxWithoutAreaHasNoContextAndNoImage) {
   ui::PictureBox box("Box");
-  box.UseSurface(std::make_shared<ui::MemorySurface>());
+  box.UseSurface(std::make_shared<platform::MemorySurface>());
   EXPECT_EQ(box.hDC(), 0u);
   EXPECT_TRUE(box.Image().Empty());
   box.Width(14);
@@ -507,7 +507,7 @@ TEST(MemorySurfaceTest, ABoxWithoutAreaHasNoContextAndNoImage) {
 
 TEST(MemorySurfaceTest, TheImageHasTheBoxsSizeInPixelsAndStartsInItsBackColour) {
   ui::PictureBox box("Box");
-  box.UseSurface(std::make_shared<ui::MemorySurface>());
+  box.UseSurface(std::make_shared<platform::MemorySurface>());
   box.Width(540);
   box.Height(310);
   box.BackColor = 0x00102030;  // red 0x30, green 0x20, blue 0x10
@@ -520,7 +520,7 @@ TEST(MemorySurfaceTest, TheImageHasTheBoxsSizeInPixelsAndStartsInItsBackColour) 
 
 TEST(MemorySurfaceTest, DrawingOnTheContextShowsInTheImageAndClsClearsIt) {
   ui::PictureBox box("Box");
-  box.UseSurface(std::make_shared<ui::MemorySurface>());
+  box.UseSurface(std::make_shared<platform::MemorySurface>());
   box.Width(150);
   box.Height(150);
   const GdiHandle dc = box.hDC();
@@ -539,7 +539,7 @@ TEST(MemorySurfaceTest, DrawingOnTheContextShowsInTheImageAndClsClearsIt) {
 
 TEST(MemorySurfaceTest, ANewSizeMakesANewImageKeepingWhatWasDrawn) {
   ui::PictureBox box("Box");
-  box.UseSurface(std::make_shared<ui::MemorySurface>());
+  box.UseSurface(std::make_shared<platform::MemorySurface>());
   box.Width(60);
   box.Height(60);
   ASSERT_NE(Gdi().BitBlt(box.hDC(), 0, 0, 2, 2, 0, 0, 0, gdi::kBlackness), 0);
@@ -560,7 +560,7 @@ class IconPageTest : public ::testing::Test {
   IconPageTest() {
     for (ui::PictureBox* box : {&form_.sIcon, &form_.mIcon, &form_.lIcon, &form_.Pi1,
                                 &form_.PicSmall, &form_.PicLarge}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
+      box->UseSurface(std::make_shared<platform::MemorySurface>());
     }
   }
 

@@ -1,4 +1,4 @@
-// The settings dialog shown modal through the build's ModalForms adapter, over the build's
+// The settings dialog shown modal through the build's Forms adapter, over the build's
 // registry, files and packer. On Windows the dialog is a real window: the test acts on it from
 // a timer of the thread while the dialog's own loop runs, as the user would (a tick put into the
 // tree view, a press of CmdSave found by its system name, the title bar's close). Natively the
@@ -15,7 +15,7 @@
 #include "Support.h"
 #include "core/MainModule.h"
 #include "platform/CollectionPacker.h"
-#include "platform/ModalForms.h"
+#include "platform/Forms.h"
 #include "platform/Service.h"
 #include "stores/AdvRegistryAccess.h"
 #include "stores/iniReadWrite.h"
@@ -27,7 +27,7 @@
 #include <commctrl.h>
 #else
 #include "platform/WindowActions.h"
-#include "platform/portable/PortableModalForms.h"
+#include "platform/portable/PortableForms.h"
 #endif
 
 namespace quorvane::testing {
@@ -95,7 +95,7 @@ void Show(FrmSettings& form, Act act) {
   gFound.clear();
   const UINT_PTR acting = ::SetTimer(nullptr, 0, 300, &ActOnDialog);
   const UINT_PTR limit = ::SetTimer(nullptr, 0, 15000, &GiveUp);
-  platform::Use<platform::ModalForms>().ShowSettings(form, 0);
+  platform::Use<platform::Forms>().Show(form, true, 0);
   ::KillTimer(nullptr, acting);
   ::KillTimer(nullptr, limit);
   gShown = nullptr;
@@ -122,14 +122,14 @@ std::string ExpectedRunValue() {
 #else
 void Show(FrmSettings& form, Act act) {
   auto& forms =
-      dynamic_cast<platform::portable::PortableModalForms&>(platform::Use<platform::ModalForms>());
+      dynamic_cast<platform::portable::PortableForms&>(platform::Use<platform::Forms>());
   if (act == Act::TickFirstAndSave) {
-    forms.QueueSettings([](FrmSettings& shown) {
+    forms.Queue<FrmSettings>([](FrmSettings& shown) {
       shown.TvCollections.Item(1).Checked = true;
       shown.CmdSave.Click();
     });
   }
-  forms.ShowSettings(form, 0);
+  forms.Show(form, true, 0);
 }
 
 std::string ExpectedRunValue() {
@@ -171,7 +171,7 @@ class SettingsConformance : public ::testing::Test {
 TEST_F(SettingsConformance, TheTitleBarsCloseSavesNothingAfterLoadAndActivation) {
   FrmSettings form;
   Show(form, Act::CloseByTitleBar);
-  EXPECT_TRUE(form.Unloaded());
+  EXPECT_FALSE(form.Loaded());
   ASSERT_EQ(form.TvCollections.Count(), 1) << "the activation lists the collections once";
   EXPECT_EQ(form.TvCollections.Item(1).Text, "Harbour");
   EXPECT_EQ(form.OptTileImages.BackColor(), 0xFFFFFFu) << "load ran";
@@ -190,7 +190,7 @@ TEST_F(SettingsConformance, TheTitleBarsCloseSavesNothingAfterLoadAndActivation)
 TEST_F(SettingsConformance, APressOfSaveWritesTheSettingsTheRunValueAndFilesIni) {
   FrmSettings form;
   Show(form, Act::TickFirstAndSave);
-  EXPECT_TRUE(form.Unloaded());
+  EXPECT_FALSE(form.Loaded());
   EXPECT_TRUE(form.TvCollections.Item(1).Checked);
   EXPECT_EQ(reg_.ReadDWORD(core::ProductKey, "Enable", -1), 1);
   EXPECT_EQ(reg_.ReadDWORD(core::ProductKey, "TimeInterval", -1), 5);

@@ -17,7 +17,7 @@
 #include "platform/portable/MemoryRegistry.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableIcons.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 #include "PortableServices.h"
 

@@ -11,7 +11,7 @@
 #include "core/MainModule.h"
 #include "PortableServices.h"
 #include "ScratchFiles.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane {
 namespace {

@@ -14,7 +14,7 @@
 #include "core/MainModule.h"
 #include "PortableServices.h"
 #include "ScratchFiles.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane {
 namespace {
@@ -97,6 +97,7 @@ class IconChangesTest : public ::testing::Test {
   platform::portable::PortableMessageBoxes& boxes_ = services_.boxes;
   platform::portable::PortableNotification& notification_ = services_.notification;
   platform::portable::PortableApplication& application_ = services_.application;
+  platform::portable::PortableForms& forms_ = services_.forms;
   platform::portable::RecordingShellRequests& shell_ = services_.shell;
   FrmMain form_;
   MainWindowScope installed_{form_};
@@ -262,9 +263,10 @@ TEST_F(IconChangesTest, ApplyWritesTheStagedRowRefreshesTheShellAndRebuilds) {
                           [](const std::string& t) { return t.rfind("SHChangeNotify", 0) == 0; }),
             1);
   // The busy display around it, and the message at the end.
-  EXPECT_EQ(application_.Requests(),
-            (std::vector<std::string>{"pointer 11", "working shown", "working unloaded",
-                                      "pointer 0"}));
+  EXPECT_EQ(application_.Requests(), (std::vector<std::string>{"pointer 11", "pointer 0"}));
+  EXPECT_EQ(forms_.Requests(),
+            (std::vector<std::string>{"Show FrmWorking modeless, owner 0", "Unload FrmWorking"}));
+  EXPECT_FALSE(forms_.Showing("FrmWorking"));
   ASSERT_EQ(boxes_.Boxes().size(), 1u);
   EXPECT_EQ(boxes_.Boxes()[0].prompt, kRestart);
   EXPECT_EQ(boxes_.Boxes()[0].buttons, platform::msgbox::kInformation);
@@ -314,7 +316,8 @@ TEST_F(IconChangesTest, ApplyFromTheStartMenuReopensItsZone) {
 TEST_F(IconChangesTest, ApplyWithNothingStagedWritesNothingButStillRebuildsAndTellsTheUser) {
   form_.CmdApply_Click();
   EXPECT_TRUE(shell_.Requests().empty());
-  EXPECT_EQ(application_.Requests().size(), 4u);
+  EXPECT_EQ(application_.Requests().size(), 2u);
+  EXPECT_EQ(forms_.Requests().size(), 2u);
   ASSERT_EQ(boxes_.Boxes().size(), 1u);
   EXPECT_EQ(boxes_.Boxes()[0].prompt, kRestart);
   EXPECT_EQ(form_.ILicons.Count(), 65);
@@ -324,6 +327,7 @@ TEST_F(IconChangesTest, ApplyOnTheFolderPageDoesNothingAtAll) {
   form_.CmdMenu_Click(1);
   form_.CmdApply_Click();
   EXPECT_TRUE(application_.Requests().empty());
+  EXPECT_TRUE(forms_.Requests().empty());
   EXPECT_TRUE(boxes_.Boxes().empty());
   EXPECT_EQ(form_.CategoryClickY, 30);
 }
@@ -370,9 +374,10 @@ TEST_F(IconChangesTest, DefaultTakesTheSelectedRowBackToStockEvenUnstaged) {
   EXPECT_EQ(Row("Windows Security").Current, Stored(Row("Windows Security").Default));
   EXPECT_EQ(form_.CategoryClickX, 1800);
   EXPECT_TRUE(form_.TvStartMenu.Visible());
-  EXPECT_EQ(application_.Requests(),
-            (std::vector<std::string>{"pointer 11", "working shown", "working unloaded",
-                                      "pointer 0"}));
+  EXPECT_EQ(application_.Requests(), (std::vector<std::string>{"pointer 11", "pointer 0"}));
+  EXPECT_EQ(forms_.Requests(),
+            (std::vector<std::string>{"Show FrmWorking modeless, owner 0", "Unload FrmWorking"}));
+  EXPECT_FALSE(forms_.Showing("FrmWorking"));
   ASSERT_EQ(boxes_.Boxes().size(), 1u);
   EXPECT_EQ(boxes_.Boxes()[0].prompt, kRestart);
 }

@@ -27,7 +27,7 @@
 #include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/RecordingShellRequests.h"
 #include "stores/AdvRegistryAccess.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 #include "PortableServices.h"
 

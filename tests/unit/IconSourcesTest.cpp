@@ -24,7 +24,7 @@
 #include "platform/Service.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableIcons.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane {
 namespace {
@@ -131,7 +131,7 @@ class IconSourcesTest : public ::testing::Test {
   IconSourcesTest() {
     for (ui::PictureBox* box : {&form_.sIcon, &form_.mIcon, &form_.lIcon, &form_.Pi1,
                                 &form_.PicSmall, &form_.PicLarge}) {
-      box->UseSurface(std::make_shared<ui::MemorySurface>());
+      box->UseSurface(std::make_shared<platform::MemorySurface>());
     }
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
     folder_ = std::filesystem::temp_directory_path() /

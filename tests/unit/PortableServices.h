@@ -2,7 +2,7 @@
 // Every portable service that the main window's routines reach, installed for the life of the
 // object: the portable platform (the registry in memory, the host's files and profile files, the
 // recording shell, application and wallpaper, the icons read from real files, collections packed
-// with libgcab, pictures decoded from their files, and the rest) and, beside it, the modal forms
+// with libgcab, pictures decoded from their files, and the rest) and, beside it, the forms
 // acting out queued user actions. Tests of FrmMain hold one and read what it recorded; a test
 // that wants a port of its own installs it over this one for its life.
 #include <filesystem>
@@ -14,10 +14,10 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
-#include "platform/portable/PortableModalForms.h"
+#include "platform/portable/PortableForms.h"
 #include "platform/portable/PortablePlatform.h"
 #include "stores/AdvRegistryAccess.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 namespace quorvane::testing {
 
@@ -25,7 +25,7 @@ struct PortableServices {
   // Every portable adapter, installed for the life of this object.
   platform::portable::PortablePlatform adapters;
   // The forms port, installed beside the platform.
-  platform::portable::PortableModalForms modal;
+  platform::portable::PortableForms forms;
 
   // The adapters the tests read and steer, by the names the tests give them.
   platform::portable::MemoryRegistry& store = adapters.RegistryStore();
@@ -73,13 +73,13 @@ struct PortableServices {
   }
 
  private:
-  platform::ScopedService<platform::ModalForms> formsInstalled_{modal};
+  platform::ScopedService<platform::Forms> formsInstalled_{forms};
 };
 
 // The main window's three icon previews drawn in memory, as its binding gives them surfaces.
 inline void PreviewsInMemory(FrmMain& form) {
   for (ui::PictureBox* box : {&form.sIcon, &form.lIcon, &form.mIcon}) {
-    box->UseSurface(std::make_shared<ui::MemorySurface>());
+    box->UseSurface(std::make_shared<platform::MemorySurface>());
   }
 }
 

@@ -15,7 +15,8 @@
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "platform/Service.h"
-#include "platform/portable/PortableModalForms.h"
+#include "core/Regimes.h"
+#include "platform/portable/PortableForms.h"
 #include "platform/portable/PortableWindowActions.h"
 #include "stores/AdvRegistryAccess.h"
 #include "stores/iniReadWrite.h"
@@ -66,7 +67,7 @@ class SettingsTest : public ::testing::Test {
   // A dialog as the user sees it: created, loaded and activated.
   std::unique_ptr<FrmSettings> Open() {
     auto form = std::make_unique<FrmSettings>();
-    form->Form_Load();
+    form->Load();
     form->Form_Activate();
     return form;
   }
@@ -90,7 +91,7 @@ class SettingsTest : public ::testing::Test {
   testing::PortableServices services_;
   platform::portable::MemoryRegistry& store_ = services_.store;
   platform::portable::PortableWindowActions& actions_ = services_.actions;
-  platform::portable::PortableModalForms& modal_ = services_.modal;
+  platform::portable::PortableForms& forms_ = services_.forms;
   AdvRegistryAccess reg_{store_};
 };
 
@@ -207,9 +208,9 @@ TEST_F(SettingsTest, TheControlsArePlacedInsideTheirContainersWithoutOverlapping
 }
 
 TEST_F(SettingsTest, CreatingTheFormInitialisesTheCommonControls) {
-  EXPECT_TRUE(modal_.Requests().empty());
+  EXPECT_TRUE(forms_.Requests().empty());
   FrmSettings form;
-  EXPECT_EQ(modal_.Requests(), (std::vector<std::string>{"InitCommonControls"}));
+  EXPECT_EQ(forms_.Requests(), (std::vector<std::string>{"InitCommonControls"}));
 }
 
 TEST_F(SettingsTest, LoadMakesTheOptionButtonsAndBothPicturesWhite) {
@@ -332,17 +333,17 @@ TEST_F(SettingsTest, ASecondActivationWithoutClosingListsEachCollectionTwice) {
   MakeCollection("Sea", {"bay.jpg"});
   MakeCollection("Town", {"night.jpg"});
   reg_.WriteString(core::ProductKey, "Collections", "Sea;");
-  modal_.QueueSettings([](FrmSettings& form) { form.Form_Activate(); });
+  forms_.Queue<FrmSettings>([](FrmSettings& form) { form.Form_Activate(); });
   std::int32_t seen = 0;
   std::int32_t ticked = 0;
-  modal_.QueueSettings([&](FrmSettings& form) {
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) {
     seen = form.TvCollections.Count();
     for (std::int32_t i = 1; i <= form.TvCollections.Count(); ++i) {
       ticked += form.TvCollections.Item(i).Checked ? 1 : 0;
     }
   });
   FrmSettings form;
-  modal_.ShowSettings(form, 0);
+  forms_.Show(form, true, 0);
   EXPECT_EQ(seen, 4);
   EXPECT_EQ(ticked, 2) << "both nodes named Sea are ticked";
   std::vector<std::string> names;
@@ -414,7 +415,7 @@ TEST_F(SettingsTest, AnUntickedBoxRemovesTheRunValueAndAMissingOneIsNoFailure) {
   auto again = Open();
   again->CmdSave_Click();
   EXPECT_EQ(RunValue(), "<none>");
-  EXPECT_TRUE(again->Unloaded());
+  EXPECT_FALSE(again->Loaded());
 }
 
 // --- saving ----------------------------------------------------------------------------------------
@@ -436,7 +437,7 @@ TEST_F(SettingsTest, SaveWritesEveryValueRebuildsFilesIniAndUnloads) {
   form->OptRandomally.Value(true);
   form->OptCenterImage.Value(true);
   form->ChkLoadWallpaper.Value(1);
-  EXPECT_FALSE(form->Unloaded());
+  EXPECT_TRUE(form->Loaded());
   form->CmdSave_Click();
 
   EXPECT_EQ(Dword("Enable"), 0);
@@ -459,7 +460,7 @@ TEST_F(SettingsTest, SaveWritesEveryValueRebuildsFilesIniAndUnloads) {
   }
   EXPECT_TRUE(fs::is_directory(Host(core::gDataFolder + "Sea")));
   EXPECT_FALSE(fs::exists(Host(core::gDataFolder + "Lake")));
-  EXPECT_TRUE(form->Unloaded());
+  EXPECT_FALSE(form->Loaded());
   // Nothing goes to the predecessor's key.
   EXPECT_EQ(reg_.KeyExists(kPredecessorKey), kFalse);
 }
@@ -502,7 +503,7 @@ TEST_F(SettingsTest, ATickedCollectionWhoseArchiveIsGoneFailsTheSaveAfterTheValu
   fs::remove(Host(core::gDataFolder + "Sea.RXS"));
   EXPECT_THROW(form->CmdSave_Click(), Failure);
   EXPECT_EQ(Collections(), "Sea;");
-  EXPECT_FALSE(form->Unloaded()) << "the dialog stays when the rebuild fails";
+  EXPECT_TRUE(form->Loaded()) << "the dialog stays when the rebuild fails";
 }
 
 // --- shown from the main window ------------------------------------------------------------------
@@ -516,12 +517,13 @@ class SettingsFromMainTest : public SettingsTest {
 TEST_F(SettingsFromMainTest, CmdSettingsShowsTheDialogOwnedByTheMainWindow) {
   main_.hWnd = 0x1234;
   std::vector<std::string> during;
-  modal_.QueueSettings([&](FrmSettings&) { during = modal_.Requests(); });
+  forms_.Queue<FrmSettings>([&](FrmSettings&) { during = forms_.Requests(); });
   ASSERT_TRUE(main_.CmdSettings.Click);
   main_.CmdSettings.Click();
-  EXPECT_EQ(during, (std::vector<std::string>{"InitCommonControls", "ShowSettings owner 4660"}));
-  EXPECT_EQ(modal_.Requests().back(), "settings closed by the title bar");
-  EXPECT_FALSE(modal_.SettingsShown());
+  EXPECT_EQ(during,
+            (std::vector<std::string>{"InitCommonControls", "Show FrmSettings modal, owner 4660"}));
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings closed by the title bar");
+  EXPECT_FALSE(forms_.Showing("FrmSettings"));
 }
 
 TEST_F(SettingsFromMainTest, ASaveChangesTheIntervalWhenTheDialogClosesAndTheMinuteCountGoesOn) {
@@ -533,16 +535,16 @@ TEST_F(SettingsFromMainTest, ASaveChangesTheIntervalWhenTheDialogClosesAndTheMin
   main_.mTickCount = 3;
   main_.mCurrentIndex = 2;
   bool droppedRan = false;
-  modal_.QueueSettings([](FrmSettings& form) {
+  forms_.Queue<FrmSettings>([](FrmSettings& form) {
     form.TvCollections.Item(1).Checked = true;
     form.CboMinutes.Value(2);
     form.OptStrechImage.Value(true);
     form.CmdSave.Click();
   });
-  modal_.QueueSettings([&](FrmSettings&) { droppedRan = true; });  // the form is gone by then
+  forms_.Queue<FrmSettings>([&](FrmSettings&) { droppedRan = true; });  // the form is gone by then
   main_.CmdSettings_Click();
   EXPECT_FALSE(droppedRan);
-  EXPECT_EQ(modal_.Requests().back(), "settings unloaded");
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings unloaded");
   EXPECT_EQ(gWallpaperInterval, 2);
   EXPECT_EQ(gWallpaperPosition, 3);
   EXPECT_EQ(gWallpaperEnable, kTrue);
@@ -559,7 +561,7 @@ TEST_F(SettingsFromMainTest, TheIntervalIsStillTheOldOneWhileTheDialogIsUp) {
   reg_.WriteDWORD(kPredecessorKey, "TimeInterval", 9);
   main_.RefreshCollections();
   std::int16_t seenAfterSave = 0;
-  modal_.QueueSettings([&](FrmSettings& form) {
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) {
     form.CboMinutes.Value(1);
     form.CmdSave_Click();
     seenAfterSave = gWallpaperInterval;
@@ -573,12 +575,12 @@ TEST_F(SettingsFromMainTest, ClosingByTheTitleBarSavesNothingButTheSettingsAreRe
   MakeCollection("Sea", {"bay.jpg"});
   reg_.WriteDWORD(kPredecessorKey, "TimeInterval", 9);
   main_.RefreshCollections();
-  modal_.QueueSettings([](FrmSettings& form) {
+  forms_.Queue<FrmSettings>([](FrmSettings& form) {
     form.TvCollections.Item(1).Checked = true;
     form.CboMinutes.Value(30);
   });
   main_.CmdSettings_Click();
-  EXPECT_EQ(modal_.Requests().back(), "settings closed by the title bar");
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings closed by the title bar");
   EXPECT_EQ(reg_.ValueExists(core::ProductKey, "TimeInterval"), kFalse);
   EXPECT_EQ(reg_.ValueExists(core::ProductKey, "Collections"), kFalse);
   EXPECT_FALSE(fs::exists(Host(Index())));
@@ -587,7 +589,7 @@ TEST_F(SettingsFromMainTest, ClosingByTheTitleBarSavesNothingButTheSettingsAreRe
 }
 
 TEST_F(SettingsFromMainTest, AnIntervalBeyondSixteenBitsIsSavedAndThenOverflowsOnReading) {
-  modal_.QueueSettings([](FrmSettings& form) {
+  forms_.Queue<FrmSettings>([](FrmSettings& form) {
     form.CboMinutes.Value(40000);
     form.CmdSave_Click();
   });
@@ -598,15 +600,40 @@ TEST_F(SettingsFromMainTest, AnIntervalBeyondSixteenBitsIsSavedAndThenOverflowsO
     EXPECT_EQ(failure.Number(), FailureNumber::Overflow);
   }
   EXPECT_EQ(Dword("TimeInterval"), 40000);
-  EXPECT_EQ(modal_.Requests().back(), "settings unloaded");
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings unloaded");
+}
+
+// With the program's top-level report installed, a failure of the dialog's routine is told in a
+// message box and written to the log under the dialog's name, and the dialog stays up.
+TEST_F(SettingsFromMainTest, AFailureInTheDialogIsReportedAndTheDialogStays) {
+  struct Restore {
+    ~Restore() { ui::InstallEventRunner(nullptr); }
+  } restore;
+  core::InstallTopLevelReport();
+  MakeCollection("Sea", {"bay.jpg"});
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) {
+    form.TvCollections.Item(1).Checked = true;
+    fs::remove(Host(core::gDataFolder + "Sea.RXS"));
+    form.CmdSave.Click();
+  });
+  bool stillUp = false;
+  forms_.Queue<FrmSettings>([&](FrmSettings& form) { stillUp = form.Loaded(); });
+  main_.CmdSettings_Click();
+  EXPECT_TRUE(stillUp);
+  EXPECT_EQ(forms_.Requests().back(), "FrmSettings closed by the title bar");
+  const auto& boxes = services_.boxes.Boxes();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].buttons, platform::msgbox::kOkOnly | platform::msgbox::kExclamation);
+  const std::string log = ReadFile(core::gDataFolder + core::kErrorLogName);
+  EXPECT_NE(log.find("\tFrmSettings\tevent\tline 0\terror "), std::string::npos) << log;
 }
 
 TEST_F(SettingsFromMainTest, AFailingActionEndsTheShowAndLeavesTheRestQueued) {
   int later = 0;
-  modal_.QueueSettings([](FrmSettings&) { throw Failure(FailureNumber::FileNotFound, "gone"); });
-  modal_.QueueSettings([&](FrmSettings&) { ++later; });
+  forms_.Queue<FrmSettings>([](FrmSettings&) { throw Failure(FailureNumber::FileNotFound, "gone"); });
+  forms_.Queue<FrmSettings>([&](FrmSettings&) { ++later; });
   EXPECT_THROW(main_.CmdSettings_Click(), Failure);
-  EXPECT_FALSE(modal_.SettingsShown());
+  EXPECT_FALSE(forms_.Showing("FrmSettings"));
   EXPECT_EQ(later, 0);
   main_.CmdSettings_Click();
   EXPECT_EQ(later, 1);

@@ -696,21 +696,21 @@ TEST_F(StartupTest, WithoutANotificationAreaTheProgramGoesOn) {
 // --- closing, minimising, show/hide, exit ---------------------------------------------------------
 
 TEST_F(StartupTest, TheCloseFromTheSystemMenuIsRefused) {
-  form_.Visible = true;
+  form_.Visible(true);
   std::int16_t cancel = 0;
   form_.Form_QueryUnload(cancel, 0);
   EXPECT_NE(cancel, 0);
-  EXPECT_TRUE(form_.Visible);
+  EXPECT_TRUE(form_.Visible());
   EXPECT_TRUE(application_.Requests().empty());
 }
 
 TEST_F(StartupTest, EveryOtherUnloadHidesTheWindowAndGoesOn) {
   for (std::int16_t mode : {std::int16_t{1}, std::int16_t{2}, std::int16_t{3}, std::int16_t{4}}) {
-    form_.Visible = true;
+    form_.Visible(true);
     std::int16_t cancel = 0;
     form_.Form_QueryUnload(cancel, mode);
     EXPECT_EQ(cancel, 0) << mode;
-    EXPECT_FALSE(form_.Visible) << mode;
+    EXPECT_FALSE(form_.Visible()) << mode;
     EXPECT_EQ(application_.Requests().back(), "hide") << mode;
   }
 }
@@ -718,7 +718,7 @@ TEST_F(StartupTest, EveryOtherUnloadHidesTheWindowAndGoesOn) {
 TEST_F(StartupTest, PicCloseRemovesTheIconTwiceThenUnloadsAndEnds) {
   std::uint32_t window = 5;
   core::AddToTray(window, 6, "Quorvane", 0x200);
-  form_.Visible = true;
+  form_.Visible(true);
   journal_.clear();
   form_.PicClose_Click();
   EXPECT_THAT(journal_, ::testing::ElementsAre("yield", "tray delete", "yield", "yield",
@@ -727,7 +727,7 @@ TEST_F(StartupTest, PicCloseRemovesTheIconTwiceThenUnloadsAndEnds) {
   EXPECT_TRUE(tray_.Icons().empty());
   EXPECT_EQ(tray_.Calls()[1].result, 1);
   EXPECT_EQ(tray_.Calls()[2].result, 0);
-  EXPECT_FALSE(form_.Visible);
+  EXPECT_FALSE(form_.Visible());
   EXPECT_FALSE(application_.MainWindowLoaded());
   EXPECT_TRUE(application_.Ended());
   EXPECT_TRUE(notification_.ShownSoFar().empty());  // no question, no notification
@@ -746,11 +746,11 @@ TEST_F(StartupTest, ExitRemovesTheIconTwiceAndEndsWithoutUnloading) {
 }
 
 TEST_F(StartupTest, PicMinHidesAndTellsTheUser) {
-  form_.Visible = true;
+  form_.Visible(true);
   notification_.SetPicture(ui::Pixels{1, 1, {0xFF0000FFu}});  // the picture set at load
   journal_.clear();
   form_.PicMin_Click();
-  EXPECT_FALSE(form_.Visible);
+  EXPECT_FALSE(form_.Visible());
   EXPECT_THAT(journal_, ::testing::ElementsAre("application hide", "notification text",
                                                "notification picture", "notification show"));
   ASSERT_EQ(notification_.ShownSoFar().size(), 1u);
@@ -762,17 +762,17 @@ TEST_F(StartupTest, PicMinHidesAndTellsTheUser) {
 }
 
 TEST_F(StartupTest, ShowHideTogglesByVisibilityAlone) {
-  form_.Visible = false;
+  form_.Visible(false);
   form_.mnuShowHide_Click();
-  EXPECT_TRUE(form_.Visible);
+  EXPECT_TRUE(form_.Visible());
   EXPECT_THAT(application_.Requests(), ::testing::ElementsAre("show", "focus"));
   form_.mnuShowHide_Click();
-  EXPECT_FALSE(form_.Visible);
+  EXPECT_FALSE(form_.Visible());
   EXPECT_THAT(application_.Requests(), ::testing::ElementsAre("show", "focus", "hide"));
   // Shown some other way (a double click on the icon): the next toggle hides.
-  form_.Visible = true;
+  form_.Visible(true);
   form_.mnuShowHide_Click();
-  EXPECT_FALSE(form_.Visible);
+  EXPECT_FALSE(form_.Visible());
   EXPECT_TRUE(notification_.ShownSoFar().empty());
 }
 

@@ -30,14 +30,4 @@ void PortableApplication::SetMousePointer(std::int16_t pointer) {
   Note("pointer " + std::to_string(pointer));
 }
 
-void PortableApplication::ShowWorking() {
-  working_ = true;
-  Note("working shown");
-}
-
-void PortableApplication::UnloadWorking() {
-  working_ = false;
-  Note("working unloaded");
-}
-
 }  // namespace quorvane::platform::portable

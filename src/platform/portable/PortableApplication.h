@@ -16,16 +16,12 @@ class PortableApplication final : public Application {
   void UnloadMainWindow() override;
   void EndProcess() override;
   void SetMousePointer(std::int16_t pointer) override;
-  void ShowWorking() override;
-  void UnloadWorking() override;
 
   bool MainWindowVisible() const { return visible_; }
   std::int16_t MousePointer() const { return pointer_; }
-  bool WorkingShown() const { return working_; }
   bool MainWindowLoaded() const { return loaded_; }
   bool Ended() const { return ended_; }
-  // The requests in order: "show", "hide", "focus", "unload", "end", "pointer <n>",
-  // "working shown", "working unloaded".
+  // The requests in order: "show", "hide", "focus", "unload", "end", "pointer <n>".
   const std::vector<std::string>& Requests() const { return requests_; }
   // Also writes each request, as "application <request>", into a journal shared with other
   // recorders.
@@ -38,7 +34,6 @@ class PortableApplication final : public Application {
   bool loaded_ = true;
   bool ended_ = false;
   std::int16_t pointer_ = 0;
-  bool working_ = false;
   std::vector<std::string> requests_;
   std::vector<std::string>* journal_ = nullptr;
 };

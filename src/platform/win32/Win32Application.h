@@ -25,15 +25,9 @@ class Win32Application final : public Application {
   // Keeps the pointer for the window's binding, which answers WM_SETCURSOR with it, and shows
   // it at once.
   void SetMousePointer(std::int16_t pointer) override;
-  // A bordered pop-up owned by the main window, centred over it, showing bitmap 173 of the
-  // program; shown without taking the focus.
-  void ShowWorking() override;
-  // DestroyWindow of the pop-up.
-  void UnloadWorking() override;
 
  private:
   std::uint32_t mainWindow_ = 0;
-  std::uint32_t working_ = 0;
 };
 
 // The pointer the main window shows now: kDefaultPointer or kHourglassPointer.

@@ -5,74 +5,42 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <climits>
 #include <stdexcept>
 
-#include "core/FrmMain.h"
 #include "platform/win32/Win32Application.h"
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 #include "ui/win32/PixelDrawing.h"
 
 namespace quorvane::ui::win32 {
-
-enum class Kind { Plain, Picture, Label, Tree, Check, Slider, Spin };
-
-// What the tree view shows of a node, as last given to it.
-struct NodeMirror {
-  std::string text;
-  std::int16_t image = 0;
-  std::int16_t selectedImage = 0;
-  bool bold = false;
-  bool expanded = false;
-};
-
-struct BoundControl final : BoundWindow {
-  explicit BoundControl(Kind what) : kind(what) {}
-  void WindowDestroyed() override { mirror.clear(); }
-
-  const Kind kind;
-  bool pressed = false;   // the left button went down on the window and has not come up yet
-  // Picture boxes: whether the persistent image is shown rather than the Picture.
-  bool showsDrawn = false;
-  // Tree views: what each item shows, by position from 1.
-  std::vector<NodeMirror> mirror;
-  bool hasLines = false;
-  POINT lastPress{-1, -1};  // where the last button went down, in the tree's client pixels
-  BoundImageList* images = nullptr;
-  bool statePending = false;
-};
-
-struct BoundImageList {
-  ImageList* model = nullptr;
-  UniqueImageList list;
-  int width = 0;
-  int height = 0;
-  std::int32_t count = 0;  // images in the real list, the model's first `count`
-};
 
 namespace {
 
 const char* const kPictureClass = "QuorvanePicture";
 const char* const kLabelClass = "QuorvaneLabel";
+const char* const kFrameClass = "QuorvaneFrame";
 const char* const kSpinClass = "QuorvaneSpinEdit";
 constexpr const char* kSyncMessage = "Quorvane.SyncNodes";
-constexpr UINT_PTR kTimer1 = 1;
+// Posted after a click or a key on a tree's tick box, which the tree view turns over only once
+// it has told its parent.
+constexpr const char* kPullChecksMessage = "Quorvane.PullChecks";
+// The hourglass of the system's pointers.
+const char* const kHourglass = MAKEINTRESOURCEA(32514);
 
-BoundControl& Of(BoundWindow& bound) { return static_cast<BoundControl&>(bound); }
+// State images of a tree with tick boxes: 1 unticked, 2 ticked.
+constexpr UINT kUnticked = 1u << 12;
+constexpr UINT kTicked = 2u << 12;
 
 // The design names its spin edits "Txt…" and "Cbo…"; every other value control is a slider.
 bool IsSpinEdit(const std::string& name) {
   return name.rfind("Txt", 0) == 0 || name.rfind("Cbo", 0) == 0;
 }
 
-Kind KindOf(Control& control) {
-  if (dynamic_cast<TreeView*>(&control) != nullptr) return Kind::Tree;
-  if (dynamic_cast<PictureBox*>(&control) != nullptr) return Kind::Picture;
-  if (dynamic_cast<Label*>(&control) != nullptr) return Kind::Label;
-  if (dynamic_cast<CheckBox*>(&control) != nullptr) return Kind::Check;
-  if (dynamic_cast<ValueControl*>(&control) != nullptr) {
-    return IsSpinEdit(control.Name()) ? Kind::Spin : Kind::Slider;
-  }
-  return Kind::Plain;
+
+// The windows of the program's own classes; the rest are the system's controls.
+bool IsOwnClass(Kind kind) {
+  return kind == Kind::Plain || kind == Kind::Picture || kind == Kind::Label ||
+         kind == Kind::Frame || kind == Kind::Spin;
 }
 
 // Model button and shift values: left 1, right 2, middle 4; shift 1, control 2, alt 4.
@@ -117,16 +85,39 @@ void PaintBuffered(HWND window, Painter&& paint) {
 
 }  // namespace
 
-FormWindow::FormWindow(FrmMain& form, HINSTANCE instance, HICON icon, HICON smallIcon)
-    : ControlBinding(instance), form_(form), icon_(icon), smallIcon_(smallIcon) {}
+Kind KindOf(Control& control) {
+  if (dynamic_cast<TreeView*>(&control) != nullptr) return Kind::Tree;
+  if (dynamic_cast<PictureBox*>(&control) != nullptr) return Kind::Picture;
+  if (dynamic_cast<Label*>(&control) != nullptr) return Kind::Label;
+  if (dynamic_cast<Frame*>(&control) != nullptr) return Kind::Frame;
+  if (dynamic_cast<CheckBox*>(&control) != nullptr) return Kind::Check;
+  if (dynamic_cast<OptionButton*>(&control) != nullptr) return Kind::Option;
+  if (dynamic_cast<CommandButton*>(&control) != nullptr) return Kind::Command;
+  if (dynamic_cast<ValueControl*>(&control) != nullptr) {
+    return IsSpinEdit(control.Name()) ? Kind::Spin : Kind::Slider;
+  }
+  return Kind::Plain;
+}
+
+FormWindow::FormWindow(Form& form, HINSTANCE instance, FormWindowOptions options)
+    : form_(form), instance_(instance), options_(options) {}
 
 FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
-  Unloaded = nullptr;
-  QueryUnload = nullptr;
-  Failed = nullptr;
+  options_.quitWhenGone = false;
+  form_.Observe(nullptr);
+  destroying_ = true;
   Destroy();
   for (auto& list : imageLists_) list->model->Observe(nullptr);
+  for (const auto& record : records_) {
+    record->control->Observe(nullptr);
+    record->control->hWnd = 0;
+  }
+}
+
+std::string FormWindow::ClassNameFor(const Form& form) {
+  const std::string& name = form.Name();
+  return "Quorvane" + (name.rfind("Frm", 0) == 0 ? name.substr(3) : name);
 }
 
 void FormWindow::OnRegisteredMessage(const char* name, std::function<void()> handler) {
@@ -135,79 +126,146 @@ void FormWindow::OnRegisteredMessage(const char* name, std::function<void()> han
 }
 
 void FormWindow::RegisterClasses() {
-  RegisterWindowClass(Instance(),
-                      {.name = kMainWindowClass,
-                       .procedure = &ControlBinding::TopProcedure,
+  const std::string top = ClassNameFor(form_);
+  RegisterWindowClass(instance_,
+                      {.name = top.c_str(),
+                       .procedure = &FormWindow::TopProcedure,
                        .style = CS_DBLCLKS,
                        .background = ::GetSysColorBrush(COLOR_BTNFACE),
-                       .icon = icon_,
-                       .smallIcon = smallIcon_},
-                      "The main window's class was refused");
-  for (const char* name : {kPictureClass, kLabelClass, kSpinClass}) {
-    RegisterWindowClass(Instance(),
+                       .icon = options_.icon,
+                       .smallIcon = options_.smallIcon},
+                      "A form's class was refused");
+  for (const char* name : {kPictureClass, kLabelClass, kFrameClass, kSpinClass}) {
+    RegisterWindowClass(instance_,
                         {.name = name,
-                         .procedure = &ControlBinding::PartProcedure,
+                         .procedure = &FormWindow::PartProcedure,
                          .style = CS_DBLCLKS},
                         "A control's class was refused");
   }
 }
 
-void FormWindow::Create() {
+TopWindow FormWindow::TopWindowFor(HWND owner) const {
+  DWORD style = WS_POPUP | WS_CLIPCHILDREN;
+  DWORD extended = 0;
+  switch (form_.Border) {
+    case BorderStyle::None:
+      style |= WS_SYSMENU | WS_MINIMIZEBOX;
+      extended = WS_EX_APPWINDOW;
+      break;
+    case BorderStyle::FixedSingle:
+      style |= WS_CAPTION | WS_SYSMENU;
+      extended = WS_EX_CONTROLPARENT;
+      break;
+    case BorderStyle::FixedDialog:
+      style |= WS_CAPTION | WS_SYSMENU;
+      extended = WS_EX_DLGMODALFRAME | WS_EX_CONTROLPARENT;
+      break;
+    case BorderStyle::FixedToolWindow:
+      style = WS_POPUP | WS_BORDER | (form_.Caption.empty() ? 0 : WS_CAPTION | WS_SYSMENU);
+      extended = WS_EX_TOOLWINDOW;
+      break;
+  }
+  RECT frame{0, 0, ToPixels(form_.Width), ToPixels(form_.Height)};
+  if (form_.Border != BorderStyle::None) ::AdjustWindowRectEx(&frame, style, FALSE, extended);
+  const int width = frame.right - frame.left;
+  const int height = frame.bottom - frame.top;
+  RECT over{0, 0, ::GetSystemMetrics(SM_CXSCREEN), ::GetSystemMetrics(SM_CYSCREEN)};
+  if (owner != nullptr && ::IsWindowVisible(owner) != 0) ::GetWindowRect(owner, &over);
+  int left = static_cast<int>((over.left + over.right - width) / 2);
+  int top = static_cast<int>((over.top + over.bottom - height) / 2);
+  // A dialog stays on the screen whatever its owner does.
+  if (form_.Border == BorderStyle::FixedDialog) {
+    left = std::max(0, left);
+    top = std::max(0, top);
+  }
+  return TopWindow{.className = nullptr,
+                   .caption = nullptr,
+                   .style = style,
+                   .extendedStyle = extended,
+                   .frame = {left, top, left + width, top + height},
+                   .owner = owner};
+}
+
+void FormWindow::Create(HWND owner) {
   if (Handle() != nullptr) return;
+  owner_ = owner;
+  destroying_ = false;
   Prepare(ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_UPDOWN_CLASS | ICC_STANDARD_CLASSES |
           ICC_WIN95_CLASSES);
   RegisterClasses();
   syncMessage_ = ::RegisterWindowMessageA(kSyncMessage);
+  pullMessage_ = ::RegisterWindowMessageA(kPullChecksMessage);
 
-  const int width = ToPixels(form_.Width);
-  const int height = ToPixels(form_.Height);
-  const int left = (::GetSystemMetrics(SM_CXSCREEN) - width) / 2;
-  const int top = (::GetSystemMetrics(SM_CYSCREEN) - height) / 2;
-  HWND window = MakeTopWindow({.className = kMainWindowClass,
-                               .caption = form_.Caption.c_str(),
-                               .style = WS_POPUP | WS_CLIPCHILDREN | WS_SYSMENU | WS_MINIMIZEBOX,
-                               .extendedStyle = WS_EX_APPWINDOW,
-                               .frame = {left, top, left + width, top + height}},
-                              "The main window was refused");
-  ::SendMessageA(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_));
-  ::SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_));
+  const std::string className = ClassNameFor(form_);
+  // A window without a caption carries the form's system name, by which it is found.
+  const std::string& text = form_.Caption.empty() ? form_.Name() : form_.Caption;
+  TopWindow wanted = TopWindowFor(owner);
+  wanted.className = className.c_str();
+  wanted.caption = text.c_str();
+  HWND window = MakeTopWindow(wanted, ("The window of " + form_.Name() + " was refused").c_str());
+  if (options_.icon != nullptr) {
+    ::SendMessageA(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(options_.icon));
+    ::SendMessageA(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(options_.smallIcon));
+  }
   form_.hWnd = ToHandleValue(window);
-  form_.Icon = ToHandleValue(icon_);
+  form_.Icon = ToHandleValue(options_.icon);
+  form_.Observe(this);
 
-  BindAll(form_.Controls());
+  std::vector<Control*> windowed;
+  for (Control* control : form_.Controls()) {
+    if (dynamic_cast<Timer*>(control) == nullptr) windowed.push_back(control);
+  }
+  BindAll(windowed);
   Flush();
-  // The form's timer runs on the window from its creation to its end.
-  if (form_.Timer1.Enabled() && form_.Timer1.Interval > 0) {
-    ::SetTimer(window, kTimer1, static_cast<UINT>(form_.Timer1.Interval), nullptr);
+  // The form's timers run on the window from its creation to its end.
+  const std::vector<Timer*> timers = form_.Timers();
+  for (std::size_t i = 0; i < timers.size(); ++i) {
+    if (timers[i]->Enabled() && timers[i]->Interval > 0) {
+      ::SetTimer(window, i + 1, static_cast<UINT>(timers[i]->Interval), nullptr);
+    }
   }
 }
 
-std::unique_ptr<BoundWindow> FormWindow::NewBound(Control& control) {
-  return std::make_unique<BoundControl>(KindOf(control));
-}
-
-void FormWindow::MakeWindow(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::MakeWindow(BoundControl& record) {
+  BoundControl& bound = record;
   Control& control = *bound.control;
   // A picture box draws on a memory image of its size; the window shows that image.
   if (auto* box = dynamic_cast<PictureBox*>(&control)) {
-    box->UseSurface(std::make_shared<MemorySurface>());
+    box->UseSurface(std::make_shared<platform::MemorySurface>());
   }
   switch (bound.kind) {
     case Kind::Plain:
     case Kind::Picture:
-      MakeChild(bound, {.className = kPictureClass, .style = WS_CLIPCHILDREN, .ownClass = true});
+      // Its controls are its children, reached with the keyboard as the form's own.
+      MakeChild(bound, {.className = kPictureClass, .style = WS_CLIPCHILDREN,
+                        .extendedStyle = WS_EX_CONTROLPARENT, .ownClass = true});
+      break;
+    case Kind::Frame:
+      MakeChild(bound, {.className = kFrameClass, .style = WS_CLIPCHILDREN,
+                        .extendedStyle = WS_EX_CONTROLPARENT, .ownClass = true});
       break;
     case Kind::Label:
       MakeChild(bound, {.className = kLabelClass, .ownClass = true});
       break;
-    case Kind::Tree:
+    case Kind::Tree: {
       MakeChild(bound, {.className = WC_TREEVIEWA, .style = WS_TABSTOP | TVS_SHOWSELALWAYS,
                         .extendedStyle = WS_EX_CLIENTEDGE});
+      if (static_cast<TreeView&>(control).Checkboxes) {
+        // Tick boxes are asked for once the tree view exists, before it holds items.
+        ::SetWindowLongPtrA(bound.window, GWL_STYLE,
+                            ::GetWindowLongPtrA(bound.window, GWL_STYLE) | TVS_CHECKBOXES);
+      }
       UseCaptionFont(bound.window);
       break;
+    }
     case Kind::Check:
-      MakeButton(bound, BS_AUTOCHECKBOX);
+      MakeButton(bound, BS_3STATE);
+      break;
+    case Kind::Option:
+      MakeButton(bound, BS_RADIOBUTTON);
+      break;
+    case Kind::Command:
+      MakeButton(bound, BS_PUSHBUTTON);
       break;
     case Kind::Slider:
       MakeChild(bound, {.className = TRACKBAR_CLASSA,
@@ -219,7 +277,7 @@ void FormWindow::MakeWindow(BoundWindow& record) {
       break;
   }
   // The system's controls tell the form about the mouse as the program's own windows do.
-  if (bound.kind == Kind::Tree || bound.kind == Kind::Check || bound.kind == Kind::Slider) {
+  if (!IsOwnClass(bound.kind)) {
     ::SetWindowSubclass(bound.window, &FormWindow::SubclassProcedure, 1,
                         reinterpret_cast<DWORD_PTR>(&bound));
   }
@@ -231,59 +289,117 @@ void FormWindow::MakeWindow(BoundWindow& record) {
   ApplyEnabled(bound);
 }
 
-void FormWindow::Show() {
-  Create();
+void FormWindow::Activated() {
+  activated_ = true;
+  Run([this] { form_.Form_Activate(); });
+}
+
+void FormWindow::Show(HWND owner) {
+  Create(owner);
+  if (!form_.Loaded()) Run([this] { form_.Load(); });
+  if (!form_.Loaded() || Handle() == nullptr) return;
   Flush();
-  ::ShowWindow(Handle(), SW_SHOW);
-  form_.Visible = true;
+  // Shown over its owner, the form leaves the owner active.
+  ::ShowWindow(Handle(), owner_ != nullptr ? SW_SHOWNOACTIVATE : SW_SHOW);
+  form_.Visible(true);
   ::RedrawWindow(Handle(), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+  // Shown without taking the activation: the form is active in the program all the same.
+  if (!activated_) Activated();
+}
+
+void FormWindow::ShowModal(HWND owner) {
+  modal_ = true;
+  Create(owner);
+  if (!form_.Loaded()) Run([this] { form_.Load(); });
+  const bool ownerWasEnabled = owner != nullptr && ::IsWindowEnabled(owner) != 0;
+  if (owner != nullptr) ::EnableWindow(owner, FALSE);
+  if (form_.Loaded() && Handle() != nullptr) {
+    Flush();
+    ::ShowWindow(Handle(), SW_SHOW);
+    form_.Visible(true);
+    ::UpdateWindow(Handle());
+    // Shown without taking the activation (another program is in front): the form is active in
+    // the program all the same.
+    if (!activated_) Activated();
+  }
+  MSG message{};
+  while (form_.Loaded() && Handle() != nullptr) {
+    const BOOL result = ::GetMessageA(&message, nullptr, 0, 0);
+    if (result == 0) {
+      ::PostQuitMessage(static_cast<int>(message.wParam));
+      break;
+    }
+    if (result == -1) break;
+    if (Handle() != nullptr && ::IsDialogMessageA(Handle(), &message) != 0) continue;
+    ::TranslateMessage(&message);
+    ::DispatchMessageA(&message);
+  }
+  // The owner comes back before the window goes, so that it takes the activation.
+  if (ownerWasEnabled) ::EnableWindow(owner, TRUE);
+  if (Handle() != nullptr) ::DestroyWindow(Handle());
+  if (ownerWasEnabled && ::IsWindowVisible(owner) != 0) ::SetActiveWindow(owner);
+  modal_ = false;
 }
 
 void FormWindow::Hide() {
   if (Handle() != nullptr) ::ShowWindow(Handle(), SW_HIDE);
-  form_.Visible = false;
-}
-
-void FormWindow::ApplyFormVisible() {
-  if (Handle() == nullptr) return;
-  const bool shown = ::IsWindowVisible(Handle()) != 0;
-  if (form_.Visible && !shown) {
-    ::ShowWindow(Handle(), SW_SHOW);
-  } else if (!form_.Visible && shown) {
-    ::ShowWindow(Handle(), SW_HIDE);
-  }
+  form_.Visible(false);
 }
 
 void FormWindow::Destroy() {
   if (Handle() != nullptr) ::DestroyWindow(Handle());
 }
 
-void FormWindow::RequestUnload(std::int16_t mode) {
-  bool cancelled = false;
-  if (QueryUnload) Run([&] { cancelled = QueryUnload(mode); });
-  // Only a close from the system menu or the keyboard may be refused; the end of the session
-  // is not asked.
-  if (cancelled && mode != kUnloadAtSessionEnd) return;
+void FormWindow::VisibleChanged(Form& /*form*/) {
+  if (Handle() == nullptr || destroying_) return;
+  const bool shown = ::IsWindowVisible(Handle()) != 0;
+  if (form_.Visible() && !shown) {
+    ::ShowWindow(Handle(), SW_SHOW);
+  } else if (!form_.Visible() && shown) {
+    ::ShowWindow(Handle(), SW_HIDE);
+  }
+}
+
+void FormWindow::Unloaded(Form& /*form*/) {
+  if (Handle() == nullptr || destroying_) return;
+  if (modal_) {
+    // The modal loop looks at the form after each message; this one makes sure one comes.
+    ::PostMessageA(Handle(), WM_NULL, 0, 0);
+    return;
+  }
   Hide();
   Destroy();
 }
 
-// --- the model's changes ----------------------------------------------------------------------
-
-void FormWindow::ApplyEnabled(BoundWindow& record) {
-  BoundControl& bound = Of(record);
-  EnableWindows(bound);
-  if (bound.kind == Kind::Label || bound.kind == Kind::Picture) Repaint(bound);
+void FormWindow::RequestUnload(std::int16_t mode) {
+  // The form unloads unless its events cancel; only the end of the session is not asked to.
+  Run([&] { form_.QueryAndUnload(mode); });
 }
 
-void FormWindow::ApplyPicture(BoundWindow& record, Property which) {
-  BoundControl& bound = Of(record);
+bool FormWindow::ShowsHourglass() const {
+  if (form_.MousePointer == kHourglassPointer) return true;
+  return options_.followsApplicationPointer &&
+         platform::win32::MainWindowPointer() == platform::kHourglassPointer;
+}
+
+// --- the model's changes ----------------------------------------------------------------------
+
+void FormWindow::ApplyEnabled(BoundControl& record) {
+  BoundControl& bound = record;
+  EnableWindows(bound);
+  if (bound.kind == Kind::Label || bound.kind == Kind::Picture || bound.kind == Kind::Frame) {
+    Repaint(bound);
+  }
+}
+
+void FormWindow::ApplyPicture(BoundControl& record, Property which) {
+  BoundControl& bound = record;
   bound.showsDrawn = which == Property::Image;
   Repaint(bound);
 }
 
-void FormWindow::Repaint(BoundWindow& bound) {
+void FormWindow::Repaint(BoundControl& bound) {
   // A window that is not on the screen is painted whole when it comes; until then there is
   // nothing to draw again. (While the form loads hidden, that saves a request per change.)
   if (::IsWindowVisible(bound.window) == 0) return;
@@ -291,16 +407,25 @@ void FormWindow::Repaint(BoundWindow& bound) {
   ::RedrawWindow(bound.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void FormWindow::ApplyValue(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyValue(BoundControl& record) {
+  BoundControl& bound = record;
   Applying applying(*this);
   switch (bound.kind) {
     case Kind::Check: {
-      const auto& check = static_cast<CheckBox&>(*bound.control);
-      ::SendMessageA(bound.window, BM_SETCHECK, check.Value() != 0 ? BST_CHECKED : BST_UNCHECKED,
+      const std::int16_t value = static_cast<CheckBox&>(*bound.control).Value();
+      ::SendMessageA(bound.window, BM_SETCHECK,
+                     value == 1   ? BST_CHECKED
+                     : value == 0 ? BST_UNCHECKED
+                                  : BST_INDETERMINATE,
                      0);
       break;
     }
+    case Kind::Option:
+      ::SendMessageA(bound.window, BM_SETCHECK,
+                     static_cast<OptionButton&>(*bound.control).Value() ? BST_CHECKED
+                                                                        : BST_UNCHECKED,
+                     0);
+      break;
     case Kind::Slider: {
       const auto& slider = static_cast<ValueControl&>(*bound.control);
       if (::SendMessageA(bound.window, TBM_GETRANGEMIN, 0, 0) != slider.Min) {
@@ -315,11 +440,18 @@ void FormWindow::ApplyValue(BoundWindow& record) {
     case Kind::Spin: {
       const auto& spin = static_cast<ValueControl&>(*bound.control);
       if (bound.upDown != nullptr) {
-        ::SendMessageA(bound.upDown, UDM_SETRANGE32, static_cast<WPARAM>(spin.Min), spin.Max);
+        // Both bounds 0: no bounds of its own.
+        const bool bounded = spin.Min != 0 || spin.Max != 0;
+        ::SendMessageA(bound.upDown, UDM_SETRANGE32,
+                       static_cast<WPARAM>(bounded ? spin.Min : -INT_MAX),
+                       bounded ? spin.Max : INT_MAX);
         ::SendMessageA(bound.upDown, UDM_SETPOS32, 0, spin.Value());
       }
       if (bound.edit != nullptr) {
-        ::SetWindowTextA(bound.edit, std::to_string(spin.Value()).c_str());
+        const std::string text = std::to_string(spin.Value());
+        char shown[32] = {};
+        ::GetWindowTextA(bound.edit, shown, static_cast<int>(sizeof shown));
+        if (text != shown) ::SetWindowTextA(bound.edit, text.c_str());
       }
       break;
     }
@@ -329,6 +461,22 @@ void FormWindow::ApplyValue(BoundWindow& record) {
 }
 
 // --- painting ---------------------------------------------------------------------------------
+
+std::uint32_t FormWindow::ColorBehind(const Control& control) const {
+  for (const Control* container = control.Container; container != nullptr;
+       container = container->Container) {
+    if (const auto* box = dynamic_cast<const PictureBox*>(container)) {
+      return box->BackColor & 0xFFFFFFu;
+    }
+  }
+  return ::GetSysColor(COLOR_BTNFACE);
+}
+
+std::uint32_t FormWindow::SpinFace(const Control& spin) const {
+  // A text box with an up-down ("Txt…") stands on the dialog face; a spin box ("Cbo…") on what
+  // is behind it.
+  return spin.Name().rfind("Txt", 0) == 0 ? ::GetSysColor(COLOR_BTNFACE) : ColorBehind(spin);
+}
 
 HFONT FormWindow::FontOf(const Label& label) {
   const int points = label.FontSize() > 0 ? label.FontSize() : 8;
@@ -402,12 +550,41 @@ void FormWindow::PaintLabel(BoundControl& bound, HWND window, HDC dc) {
   DrawLabelCaption(dc, label, FontOf(label), area);
 }
 
+void FormWindow::PaintFrame(BoundControl& bound, HWND window, HDC dc) {
+  const auto& frame = static_cast<const Frame&>(*bound.control);
+  RECT area{};
+  ::GetClientRect(window, &area);
+  const std::uint32_t behind = ColorBehind(frame);
+  ::FillRect(dc, &area, BrushOf(behind));
+  HGDIOBJ oldFont = ::SelectObject(dc, CaptionFont());
+  ::SetBkMode(dc, TRANSPARENT);
+  std::string caption = frame.Caption();
+  // The border runs through the middle of the caption's line; the caption stands on the
+  // background, in a gap of the border.
+  TEXTMETRICA metrics{};
+  ::GetTextMetricsA(dc, &metrics);
+  RECT border = area;
+  border.top += metrics.tmHeight / 2;
+  ::DrawEdge(dc, &border, EDGE_ETCHED, BF_RECT);
+  SIZE extent{};
+  ::GetTextExtentPoint32A(dc, caption.data(), static_cast<int>(caption.size()), &extent);
+  RECT gap{6, 0, std::min<LONG>(area.right - 6, 6 + extent.cx + 4), metrics.tmHeight};
+  ::FillRect(dc, &gap, BrushOf(behind));
+  ::SetTextColor(dc, frame.Enabled() ? 0x000000 : ::GetSysColor(COLOR_GRAYTEXT));
+  ::TextOutA(dc, 8, 0, caption.data(), static_cast<int>(caption.size()));
+  ::SelectObject(dc, oldFont);
+}
+
 // --- window procedures ------------------------------------------------------------------------
 
 LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == syncMessage_ && syncMessage_ != 0) {
     syncPosted_ = false;
     Flush();
+    return 0;
+  }
+  if (message == pullMessage_ && pullMessage_ != 0) {
+    PullAllChecks();
     return 0;
   }
   for (const auto& [registered, handler] : registeredHandlers_) {
@@ -435,17 +612,27 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
     case WM_CTLCOLORBTN:
       ::SetBkColor(reinterpret_cast<HDC>(wParam), ::GetSysColor(COLOR_BTNFACE));
       return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_BTNFACE));
-    case WM_TIMER:
-      if (wParam == kTimer1) Run(form_.Timer1.Tick);
+    case WM_TIMER: {
+      const std::vector<Timer*> timers = form_.Timers();
+      if (wParam >= 1 && wParam <= timers.size()) Run(timers[wParam - 1]->Tick);
       return 0;
+    }
     case WM_SETCURSOR:
-      // While the window is busy the hourglass stands over it and every control in it; the
+      // While the form is busy the hourglass stands over it and every control in it; the
       // controls ask here first.
-      if (platform::win32::MainWindowPointer() == platform::kHourglassPointer) {
-        ::SetCursor(::LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));
+      if (ShowsHourglass()) {
+        ::SetCursor(::LoadCursorA(nullptr, kHourglass));
         return TRUE;
       }
       return ::DefWindowProcA(window, message, wParam, lParam);
+    case WM_ACTIVATE: {
+      // The form is activated when it is first shown, and again when it takes over from
+      // another form of the program (its owner).
+      const HWND previous = reinterpret_cast<HWND>(lParam);
+      const bool fromOwnForm = previous != nullptr && previous == owner_;
+      if (LOWORD(wParam) != WA_INACTIVE && (!activated_ || fromOwnForm)) Activated();
+      return ::DefWindowProcA(window, message, wParam, lParam);
+    }
     case WM_CLOSE:
       RequestUnload(kUnloadFromMenu);
       return 0;
@@ -455,18 +642,19 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       if (wParam != 0) RequestUnload(kUnloadAtSessionEnd);
       return 0;
     case WM_DESTROY:
+      destroying_ = true;
       form_.hWnd = 0;
-      form_.Visible = false;
-      if (Unloaded) Run(Unloaded);
+      form_.Visible(false);
+      if (options_.quitWhenGone) ::PostQuitMessage(0);
       return 0;
     default:
       return ::DefWindowProcA(window, message, wParam, lParam);
   }
 }
 
-LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, WPARAM wParam,
+LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message, WPARAM wParam,
                                 LPARAM lParam) {
-  BoundControl& bound = Of(record);
+  BoundControl& bound = record;
   if (bound.kind != Kind::Spin &&
       Mouse(bound.control, bound.pressed, window, message, wParam, lParam)) {
     return 0;
@@ -475,10 +663,12 @@ LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, 
     case WM_PAINT:
       if (bound.kind == Kind::Label) {
         PaintBuffered(window, [&](HDC dc) { PaintLabel(bound, window, dc); });
+      } else if (bound.kind == Kind::Frame) {
+        PaintBuffered(window, [&](HDC dc) { PaintFrame(bound, window, dc); });
       } else if (bound.kind == Kind::Spin) {
         PAINTSTRUCT ps{};
         HDC dc = ::BeginPaint(window, &ps);
-        ::FillRect(dc, &ps.rcPaint, ::GetSysColorBrush(COLOR_BTNFACE));
+        ::FillRect(dc, &ps.rcPaint, BrushOf(SpinFace(*bound.control)));
         ::EndPaint(window, &ps);
       } else {
         PaintBuffered(window, [&](HDC dc) { PaintPicture(bound, dc); });
@@ -487,19 +677,12 @@ LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, 
     case WM_PRINTCLIENT:
       if (bound.kind == Kind::Label) {
         PaintLabel(bound, window, reinterpret_cast<HDC>(wParam));
+      } else if (bound.kind == Kind::Frame) {
+        PaintFrame(bound, window, reinterpret_cast<HDC>(wParam));
       } else {
         PaintPicture(bound, reinterpret_cast<HDC>(wParam));
       }
       return 0;
-    case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLORBTN: {
-      // Check boxes and sliders standing in a picture box take its back colour.
-      const auto* box = dynamic_cast<PictureBox*>(bound.control);
-      const std::uint32_t color = box != nullptr ? box->BackColor & 0xFFFFFFu
-                                                 : ::GetSysColor(COLOR_BTNFACE);
-      ::SetBkColor(reinterpret_cast<HDC>(wParam), color);
-      return reinterpret_cast<LRESULT>(BrushOf(color));
-    }
     default:
       return ::DefWindowProcA(window, message, wParam, lParam);
   }
@@ -508,7 +691,7 @@ LRESULT FormWindow::PartMessage(BoundWindow& record, HWND window, UINT message, 
 LRESULT CALLBACK FormWindow::SubclassProcedure(HWND window, UINT message, WPARAM wParam,
                                                LPARAM lParam, UINT_PTR /*id*/, DWORD_PTR data) {
   auto* bound = reinterpret_cast<BoundControl*>(data);
-  auto& self = static_cast<FormWindow&>(*bound->binding);
+  FormWindow& self = *bound->binding;
   Control& control = *bound->control;
   switch (message) {
     case WM_MOUSEMOVE:
@@ -549,10 +732,18 @@ LRESULT CALLBACK FormWindow::SubclassProcedure(HWND window, UINT message, WPARAM
 
 bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT message,
                        WPARAM wParam, LPARAM lParam) {
-  const auto& mouseMove = control != nullptr ? control->MouseMove : MouseMove;
-  const auto& mouseDown = control != nullptr ? control->MouseDown : MouseDown;
-  const auto& click = control != nullptr ? control->Click : Click;
+  using Handler = std::function<void(std::int16_t, std::int16_t, float, float)>;
+  // The form's own surface has its events as routines of the form.
+  const Handler formMove = [this](std::int16_t b, std::int16_t s, float x, float y) {
+    form_.Form_MouseMove(b, s, x, y);
+  };
+  const Handler formDown = [this](std::int16_t b, std::int16_t s, float x, float y) {
+    form_.Form_MouseDown(b, s, x, y);
+  };
   const std::function<void()> none;
+  const Handler& mouseMove = control != nullptr ? control->MouseMove : formMove;
+  const Handler& mouseDown = control != nullptr ? control->MouseDown : formDown;
+  const auto& click = control != nullptr ? control->Click : none;
   const auto& dblClick = control != nullptr ? control->DblClick : none;
   const float x = TwipsOf(GET_X_LPARAM(lParam));
   const float y = TwipsOf(GET_Y_LPARAM(lParam));
@@ -603,44 +794,72 @@ bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT messag
   }
 }
 
-void FormWindow::Command(BoundWindow& sender, UINT code) {
-  BoundControl& bound = Of(sender);
-  if (bound.kind == Kind::Check && code == BN_CLICKED) {
-    const LRESULT state = ::SendMessageA(bound.window, BM_GETCHECK, 0, 0);
-    auto& check = static_cast<CheckBox&>(*bound.control);
-    Run([&] { check.Value(static_cast<std::int16_t>(state == BST_CHECKED ? 1 : 0)); });
+// --- events of the controls ---------------------------------------------------------------------
+
+void FormWindow::Command(BoundControl& sender, UINT code) {
+  BoundControl& bound = sender;
+  if (code == BN_CLICKED) {
+    Clicked(bound);
   } else if (bound.kind == Kind::Spin && code == EN_CHANGE) {
     SpinEdited(bound);
   }
 }
 
-bool FormWindow::ControlMessage(BoundWindow& sender, UINT message, WPARAM /*wParam*/,
-                                LRESULT& result) {
-  if (message != WM_HSCROLL && message != WM_VSCROLL) return false;
-  BoundControl& bound = Of(sender);
-  if (bound.kind == Kind::Slider && !IsApplying()) {
-    auto& slider = static_cast<ValueControl&>(*bound.control);
-    const auto position =
-        static_cast<std::int32_t>(::SendMessageA(bound.window, TBM_GETPOS, 0, 0));
-    if (position != slider.Value()) Run([&] { slider.Value(position); });
+void FormWindow::Clicked(BoundControl& bound) {
+  // What the user ticked in the trees counts before any routine runs.
+  PullAllChecks();
+  if (bound.kind == Kind::Check) {
+    auto& check = static_cast<CheckBox&>(*bound.control);
+    Run([&] { check.Value(static_cast<std::int16_t>(check.Value() == 1 ? 0 : 1)); });
+  } else if (bound.kind == Kind::Option) {
+    auto& option = static_cast<OptionButton&>(*bound.control);
+    Run([&] { option.Value(true); });
+  } else if (bound.kind == Kind::Command) {
+    Run(bound.control->Click);
   }
-  result = 0;
+}
+
+bool FormWindow::ControlMessage(BoundControl& sender, UINT message, WPARAM wParam,
+                                LRESULT& result) {
+  BoundControl& bound = sender;
+  if (message == WM_HSCROLL || message == WM_VSCROLL) {
+    if (bound.kind == Kind::Slider && !IsApplying()) {
+      auto& slider = static_cast<ValueControl&>(*bound.control);
+      const auto position =
+          static_cast<std::int32_t>(::SendMessageA(bound.window, TBM_GETPOS, 0, 0));
+      if (position != slider.Value()) Run([&] { slider.Value(position); });
+    }
+    result = 0;
+    return true;
+  }
+  if (message != WM_CTLCOLORSTATIC && message != WM_CTLCOLORBTN) return false;
+  // An option button stands on its own back colour, the parts of a spin edit on its face, and
+  // the other controls on what is behind them.
+  const Control& control = *bound.control;
+  const auto* option = dynamic_cast<const OptionButton*>(&control);
+  std::uint32_t color = ColorBehind(control);
+  if (option != nullptr) color = option->BackColor() & 0xFFFFFFu;
+  if (bound.kind == Kind::Spin) color = SpinFace(control);
+  ::SetBkColor(reinterpret_cast<HDC>(wParam), color);
+  result = reinterpret_cast<LRESULT>(BrushOf(color));
   return true;
 }
 
 void FormWindow::SpinEdited(BoundControl& bound) {
   std::int32_t value = 0;
-  const bool number = ReadSpinNumber(bound, value);
+  // Text that is no number yet ("" or "-"), or a number out of bounds, waits for the user to
+  // finish typing.
+  if (!ReadSpinNumber(bound, value)) return;
   auto& spin = static_cast<ValueControl&>(*bound.control);
-  // Text that is no number, or a number out of range, waits for the user to finish typing.
-  if (!number || value < spin.Min || value > spin.Max) return;
+  const bool bounded = spin.Min != 0 || spin.Max != 0;
+  if (bounded && (value < spin.Min || value > spin.Max)) return;
   if (value != spin.Value()) Run([&] { spin.Value(value); });
 }
 
 // --- tree views -------------------------------------------------------------------------------
 
-void FormWindow::ApplyImages(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyImages(BoundControl& record) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   bound.images = nullptr;
   if (tree.Images != nullptr) {
@@ -691,8 +910,8 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
     }
     list.count = count;
   }
-  for (const auto& record : Records()) {
-    auto* bound = static_cast<BoundControl*>(record.get());
+  for (const auto& record : records_) {
+    BoundControl* bound = record.get();
     if (bound->images != &list || bound->window == nullptr) continue;
     if (remade) {
       ::SendMessageA(bound->window, TVM_SETIMAGELIST, TVSIL_NORMAL,
@@ -702,8 +921,8 @@ void FormWindow::ImagesChanged(BoundImageList& list) {
   }
 }
 
-void FormWindow::ApplyNodes(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyNodes(BoundControl& record) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   const auto count = static_cast<std::size_t>(tree.Count());
   Applying applying(*this);
@@ -720,7 +939,8 @@ void FormWindow::ApplyNodes(BoundWindow& record) {
 }
 
 void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
-  const Node& node = static_cast<TreeView&>(*bound.control).Item(position);
+  const auto& tree = static_cast<TreeView&>(*bound.control);
+  const Node& node = tree.Item(position);
   if (node.Parent > 0 && !bound.hasLines) {
     // A tree of more than one level shows its lines and buttons.
     const LONG_PTR style = ::GetWindowLongPtrA(bound.window, GWL_STYLE);
@@ -734,17 +954,27 @@ void FormWindow::InsertNode(BoundControl& bound, std::int32_t position) {
   item.iSelectedImage = ImageIndexOf(node.SelectedImage);
   item.state = node.Bold ? TVIS_BOLD : 0;
   item.stateMask = TVIS_BOLD;
+  if (tree.Checkboxes) {
+    item.state |= node.Checked ? kTicked : kUnticked;
+    item.stateMask |= TVIS_STATEIMAGEMASK;
+  }
   AddTreeItem(bound, node, item);
   NodeMirror mirror;
   mirror.text = node.Text;
   mirror.image = node.Image;
   mirror.selectedImage = node.SelectedImage;
   mirror.bold = node.Bold;
+  mirror.checked = node.Checked;
   bound.mirror.push_back(std::move(mirror));
 }
 
-void FormWindow::ApplyNodeStates(BoundWindow& record) {
-  BoundControl& bound = Of(record);
+void FormWindow::ApplyNodeStates(BoundControl& record) {
+  BoundControl& bound = record;
+  // A tick the user may set next must meet the model's at once.
+  if (static_cast<TreeView&>(*bound.control).Checkboxes) {
+    SyncNodeStates(bound);
+    return;
+  }
   if (!bound.statePending) {
     bound.statePending = true;
     pendingStates_.push_back(&bound);
@@ -766,13 +996,14 @@ void FormWindow::Flush() {
 void FormWindow::SyncNodeStates(BoundControl& bound) {
   auto& tree = static_cast<TreeView&>(*bound.control);
   Applying applying(*this);
-  const std::size_t count = NodesShown(bound, tree);
+  const std::size_t count = std::min(NodesShown(bound, tree), bound.mirror.size());
   for (std::size_t i = 0; i < count; ++i) {
     const Node& node = tree.Item(static_cast<std::int32_t>(i) + 1);
     NodeMirror& shown = bound.mirror[i];
     HTREEITEM item = bound.items[i];
+    const bool tick = tree.Checkboxes && node.Checked != shown.checked;
     if (node.Text != shown.text || node.Image != shown.image ||
-        node.SelectedImage != shown.selectedImage || node.Bold != shown.bold) {
+        node.SelectedImage != shown.selectedImage || node.Bold != shown.bold || tick) {
       std::string text = node.Text;
       TVITEMA change{};
       change.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE;
@@ -782,11 +1013,16 @@ void FormWindow::SyncNodeStates(BoundControl& bound) {
       change.iSelectedImage = ImageIndexOf(node.SelectedImage);
       change.state = node.Bold ? TVIS_BOLD : 0;
       change.stateMask = TVIS_BOLD;
+      if (tree.Checkboxes) {
+        change.state |= node.Checked ? kTicked : kUnticked;
+        change.stateMask |= TVIS_STATEIMAGEMASK;
+      }
       ::SendMessageA(bound.window, TVM_SETITEMA, 0, reinterpret_cast<LPARAM>(&change));
       shown.text = node.Text;
       shown.image = node.Image;
       shown.selectedImage = node.SelectedImage;
       shown.bold = node.Bold;
+      shown.checked = node.Checked;
     }
     if (node.Expanded != shown.expanded) {
       ::SendMessageA(bound.window, TVM_EXPAND, node.Expanded ? TVE_EXPAND : TVE_COLLAPSE,
@@ -801,8 +1037,29 @@ void FormWindow::SyncNodeStates(BoundControl& bound) {
   ShowSelectedNode(bound, tree.SelectedItem());
 }
 
-void FormWindow::TreeNotification(BoundWindow& record, const NMHDR& header, LPARAM lParam) {
-  BoundControl& bound = Of(record);
+void FormWindow::PullChecks(BoundControl& bound) {
+  if (bound.window == nullptr) return;
+  auto& tree = static_cast<TreeView&>(*bound.control);
+  if (!tree.Checkboxes) return;
+  const std::size_t count = std::min(NodesShown(bound, tree), bound.mirror.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto state = static_cast<UINT>(
+        ::SendMessageA(bound.window, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(bound.items[i]),
+                       TVIS_STATEIMAGEMASK));
+    const bool ticked = (state & TVIS_STATEIMAGEMASK) == kTicked;
+    tree.Item(static_cast<std::int32_t>(i) + 1).Checked = ticked;
+    bound.mirror[i].checked = ticked;
+  }
+}
+
+void FormWindow::PullAllChecks() {
+  for (const auto& record : records_) {
+    if (record->kind == Kind::Tree) PullChecks(*record);
+  }
+}
+
+void FormWindow::TreeNotification(BoundControl& record, const NMHDR& header, LPARAM lParam) {
+  BoundControl& bound = record;
   auto& tree = static_cast<TreeView&>(*bound.control);
   switch (header.code) {
     case NM_CLICK: {
@@ -811,13 +1068,26 @@ void FormWindow::TreeNotification(BoundWindow& record, const NMHDR& header, LPAR
       // went down, which the tree view's own processing of the press is about.
       const bool pressed = bound.lastPress.x >= 0 || bound.lastPress.y >= 0;
       const POINT at = pressed ? bound.lastPress : MessagePointIn(bound.window);
-      SelectNodeHit(bound, HitTestTree(bound.window, at));
+      const TVHITTESTINFO hit = HitTestTree(bound.window, at);
+      if (tree.Checkboxes && (hit.flags & TVHT_ONITEMSTATEICON) != 0) {
+        // The tree view turns the tick over after this notification.
+        if (pullMessage_ != 0) ::PostMessageA(Handle(), pullMessage_, 0, 0);
+        break;
+      }
+      SelectNodeHit(bound, hit);
       Run(tree.Click);
       break;
     }
     case NM_DBLCLK:
       Run(tree.DblClick);
       break;
+    case TVN_KEYDOWN: {
+      const auto& key = *reinterpret_cast<const NMTVKEYDOWN*>(lParam);
+      if (tree.Checkboxes && key.wVKey == VK_SPACE && pullMessage_ != 0) {
+        ::PostMessageA(Handle(), pullMessage_, 0, 0);
+      }
+      break;
+    }
     case TVN_SELCHANGEDA:
     case TVN_SELCHANGEDW:
       // A mouse click runs Click through NM_CLICK; the keyboard has no other way.
@@ -827,7 +1097,10 @@ void FormWindow::TreeNotification(BoundWindow& record, const NMHDR& header, LPAR
     case TVN_ITEMEXPANDEDW: {
       const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);
       const std::int32_t position = PositionOfItem(bound, change.itemNew.hItem);
-      if (position == 0 || position > tree.Count()) break;
+      if (position == 0 || position > tree.Count() ||
+          static_cast<std::size_t>(position) > bound.mirror.size()) {
+        break;
+      }
       const auto state = static_cast<UINT>(
           ::SendMessageA(bound.window, TVM_GETITEMSTATE,
                          reinterpret_cast<WPARAM>(change.itemNew.hItem), TVIS_EXPANDED));

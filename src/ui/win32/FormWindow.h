@@ -1,151 +1,376 @@
 #pragma once
-// The Windows binding of the control model: the main window, FrmMain, as real windows.
+// The Windows binding of the control model: any form (ui::Form) as real windows.
 //
-// FormWindow makes the top-level window of a FrmMain (borderless, class "QuorvaneMain", the
-// form's caption, its size, centred on the screen, the program's icon) and one child window for
-// every control, inside the window of its container, at its place. It watches every control and
-// mirrors each change of the model onto the windows, and turns the windows' events into the
-// controls' handlers. Positions are the model's twips, 15 to the pixel.
+// FormWindow makes the form's top-level window and one child window for every control, inside
+// the window of its container, at its place. It watches the form and every control and mirrors
+// each change of the model onto the windows, and turns the windows' events into the form's
+// events and the controls' handlers, each run through ui::RunEvent. Positions are the model's
+// twips, 15 to the pixel.
+//
+// The top-level window, by the form's properties:
+//   class          "Quorvane" and the form's name without its "Frm": "QuorvaneMain" for FrmMain,
+//                  "QuorvaneSettings" for FrmSettings, "QuorvaneWorking" for FrmWorking
+//   text           the form's Caption; a form without one carries its system name
+//   Border         None: no frame, a window of the task bar, its inside the form's size;
+//                  FixedDialog: a dialog frame with a caption bar and a close box;
+//                  FixedSingle: a thin frame with a caption bar and a close box;
+//                  FixedToolWindow: a tool window's thin frame, a caption bar only with a caption
+//   place          centred over its owner when the owner is on the screen, else on the screen
+//   background     the form's Picture at (0, 0), the dialog face beyond it
+//   pointer        the hourglass over the window and all its controls while the form's
+//                  MousePointer asks for it
+//   timers         each enabled Timer of the form ticks on the window from its creation
+//   shown          modeless (Show): owned, without taking the activation from its owner; modal
+//                  (ShowModal): its owner disabled until the form is unloaded
 //
 // Kinds of control and their windows:
 //   PictureBox     "QuorvanePicture": its persistent image once something was drawn on it (it
 //                  draws on a MemorySurface the binding gives it), or else its Picture, at
 //                  (0, 0), never stretched, on its back colour
-//   Label          "QuorvaneLabel": the caption in Verdana 8 pt over its container's background
+//   Label          "QuorvaneLabel": the caption in Verdana (its size, weight and underline) over
+//                  its container's background
+//   Frame          "QuorvaneFrame": an etched border with the caption in it; the controls
+//                  standing in it are its children
 //   TreeView       the common tree view; its image list made from the model's image list, 32-bit
-//                  with alpha; lines and buttons once a node has a parent
-//   CheckBox       an automatic check box
+//                  with alpha; lines and buttons once a node has a parent; tick boxes for a tree
+//                  with Checkboxes, a node's tick its Checked
+//   CheckBox       a check box (0, 1, or 2 shown greyed); a click ticks or unticks it
+//   OptionButton   a radio button on its own back colour; a click sets its Value
+//   CommandButton  a push button; a click runs Click
 //   ValueControl   a trackbar, or for the design's spin edits (named "Txt…" and "Cbo…") an edit
-//                  with an up-down inside a "QuorvaneSpinEdit" window
+//                  with an up-down inside a "QuorvaneSpinEdit" window, on the dialog face for a
+//                  text box ("Txt…"), on what is behind it for a spin box ("Cbo…"); a Min and
+//                  Max both 0 mean no bounds
+//   Timer          no window
 //
 // Found from outside: every child's window text is its system name ("TvDesktop", "CmdMenu(2)"),
-// except where the window shows its text (the check box shows its caption); the system name is
+// except where the window shows its text (the buttons show their captions); the system name is
 // also given as its accessible name where the platform takes such annotations. The top-level
 // window answers the registered message "Quorvane.FindControl" (wParam: a global atom of the
-// system name) with the control's window, 0 if there is none. What every form's binding does
-// alike is ControlBinding's.
+// system name) with the control's window, 0 if there is none.
+//
+// FormWindow.cpp holds the form's own window, its shows and its events; FormControls.cpp the
+// records of the controls and their windows.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "ui/Controls.h"
-#include "ui/win32/ControlBinding.h"
+#include "ui/Form.h"
+#include "ui/win32/BindingParts.h"
 #include "ui/win32/Handles.h"
-
-namespace quorvane {
-class FrmMain;
-}
 
 namespace quorvane::ui::win32 {
 
-inline constexpr const char* kMainWindowClass = "QuorvaneMain";
+// What a form's window does besides what every form's does: the main window's extras.
+struct FormWindowOptions {
+  // The window's own icons, also its class's; none by default.
+  HICON icon = nullptr;
+  HICON smallIcon = nullptr;
+  // The thread's message loop ends (WM_QUIT) when the window is gone.
+  bool quitWhenGone = false;
+  // The pointer the application sets (platform::Application::SetMousePointer) stands over the
+  // window too.
+  bool followsApplicationPointer = false;
+};
 
-// Unload modes: why the window is asked to close.
-inline constexpr std::int16_t kUnloadFromMenu = 0;         // system menu, Alt+F4, WM_CLOSE
-inline constexpr std::int16_t kUnloadFromCode = 1;         // the program's own code
-inline constexpr std::int16_t kUnloadAtSessionEnd = 2;     // log-off or shutdown
-inline constexpr std::int16_t kUnloadFromTaskManager = 3;  // the task manager
+// The kinds of control, each shown by one kind of window.
+enum class Kind { Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin };
+Kind KindOf(Control& control);
 
-struct BoundControl;
+class FormWindow;
 struct BoundImageList;
 
-class FormWindow final : public ControlBinding {
+// What the tree view shows of a node, as last given to it.
+struct NodeMirror {
+  std::string text;
+  std::int16_t image = 0;
+  std::int16_t selectedImage = 0;
+  bool bold = false;
+  bool checked = false;
+  bool expanded = false;
+};
+
+// A control of the form and the windows that show it.
+struct BoundControl {
+  explicit BoundControl(Kind what) : kind(what) {}
+
+  const Kind kind;
+  FormWindow* binding = nullptr;
+  Control* control = nullptr;
+  HWND window = nullptr;  // the control's own window: for a spin edit, the one holding both parts
+  HWND edit = nullptr;    // spin edits: the edit and the up-down
+  HWND upDown = nullptr;
+  bool showsCaption = false;  // the window's text is the control's caption
+  bool pressed = false;       // the left button went down on the window and has not come up yet
+  // Picture boxes: whether the persistent image is shown rather than the Picture.
+  bool showsDrawn = false;
+  // Tree views: one item per node, by position from 1, and what each shows.
+  std::vector<HTREEITEM> items;
+  std::vector<NodeMirror> mirror;
+  bool hasLines = false;
+  POINT lastPress{-1, -1};  // where the last button went down, in the tree's client pixels
+  BoundImageList* images = nullptr;
+  bool statePending = false;
+};
+
+// An image list of the model as the tree views show it.
+struct BoundImageList {
+  ImageList* model = nullptr;
+  UniqueImageList list;
+  int width = 0;
+  int height = 0;
+  std::int32_t count = 0;  // images in the real list, the model's first `count`
+};
+
+class FormWindow final : private ControlObserver, private FormObserver {
  public:
-  FormWindow(FrmMain& form, HINSTANCE instance, HICON icon, HICON smallIcon);
+  FormWindow(Form& form, HINSTANCE instance, FormWindowOptions options = {});
+  // Destroys the windows, nothing called back, and stops watching the form and its controls.
   ~FormWindow() override;
   FormWindow(const FormWindow&) = delete;
   FormWindow& operator=(const FormWindow&) = delete;
 
-  // Makes the top-level window and every control's window, all hidden at first but for the
-  // controls that are visible in a hidden top-level window. Throws std::runtime_error when the
-  // system refuses a window; a second call does nothing.
-  void Create();
-  bool IsCreated() const { return Handle() != nullptr; }
+  // The top-level window's class for a form: "Quorvane" and its name without "Frm".
+  static std::string ClassNameFor(const Form& form);
 
-  // Shows the top-level window and paints it with all its children before returning.
-  void Show();
+  // Makes the top-level window, owned by `owner`, and every control's window, all hidden at
+  // first but for the controls that are visible in a hidden top-level window. Throws
+  // std::runtime_error when the system refuses a window; a second call does nothing.
+  void Create(HWND owner = nullptr);
+  bool IsCreated() const { return window_ != nullptr; }
+
+  // Modeless: makes the windows, loads the form when it is not loaded, shows the top-level
+  // window (without the activation when it has an owner) and paints it with all its children
+  // before returning; the form's activation follows.
+  void Show(HWND owner = nullptr);
+  // Modal: makes the windows, hidden; loads the form; shows the window with `owner` disabled,
+  // which runs the activation; and dispatches messages until the form is unloaded or its window
+  // is gone. Then the owner is enabled again and the window destroyed. A quit message that comes
+  // meanwhile ends the show and is posted again for the caller's loop.
+  void ShowModal(HWND owner);
   void Hide();
-  // Destroys every window of the form; the form's Unloaded event follows.
+  // Destroys every window of the form.
   void Destroy();
-  // Shows or hides the top-level window to match FrmMain::Visible, which the form's routines
-  // set. The program calls this after each message.
-  void ApplyFormVisible();
-  // Brings the tree views' node states (text, images, bold, expansion, selection) up to the
-  // model now; otherwise they follow once the program reaches its message loop.
-  void Flush() override;
+  // Brings the tree views' node states (text, images, bold, ticks, expansion, selection) up to
+  // the model now; otherwise they follow once the program reaches its message loop. Done too
+  // before a control is looked up from outside, so that whoever looks sees the windows as the
+  // model has them.
+  void Flush();
 
-  // Events of the form's own surface, in the model's terms (button, shift, x and y in twips).
-  std::function<void(std::int16_t, std::int16_t, float, float)> MouseDown;
-  std::function<void(std::int16_t, std::int16_t, float, float)> MouseMove;
-  std::function<void()> Click;
-  // A request to close the window, with its unload mode; true cancels it. A request that is not
-  // cancelled hides and destroys the window.
-  std::function<bool(std::int16_t unloadMode)> QueryUnload;
-  // The top-level window is gone.
-  std::function<void()> Unloaded;
   // Runs `handler` when the top-level window receives the registered message `name`, from this
   // process or another one.
   void OnRegisteredMessage(const char* name, std::function<void()> handler);
 
- private:
-  void RegisterClasses();
-  std::unique_ptr<BoundWindow> NewBound(Control& control) override;
-  void MakeWindow(BoundWindow& bound) override;
-  void RequestUnload(std::int16_t mode);
+  // The form's top-level window; 0 before it is made and once it is gone.
+  HWND Handle() const { return window_; }
+  // The window of a control of the form; 0 for a control without one.
+  HWND WindowOf(const Control& control) const;
+  // The window of the control of that system name ("Name" or "Name(i)"); 0 if none.
+  HWND Find(std::string_view systemName) const;
+  // The form the binding shows.
+  Form& BoundForm() const { return form_; }
 
-  // Messages.
-  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
-  LRESULT PartMessage(BoundWindow& bound, HWND window, UINT message, WPARAM wParam,
-                      LPARAM lParam) override;
-  // The tree views, check boxes and sliders: their mouse events.
+ private:
+  // --- the form's own window (FormWindow.cpp) -------------------------------------------------
+  void RegisterClasses();
+  TopWindow TopWindowFor(HWND owner) const;
+  void RequestUnload(std::int16_t mode);
+  void Activated();
+  bool ShowsHourglass() const;
+
+  // FormObserver
+  void VisibleChanged(Form& form) override;
+  void Unloaded(Form& form) override;
+
+  // Messages of the top-level window and of the program's own control classes, once what
+  // every window does alike is done.
+  LRESULT TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT PartMessage(BoundControl& bound, HWND window, UINT message, WPARAM wParam,
+                      LPARAM lParam);
+  // The system's controls: their mouse events.
   static LRESULT CALLBACK SubclassProcedure(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam, UINT_PTR id, DWORD_PTR data);
   bool Mouse(Control* control, bool& pressed, HWND window, UINT message, WPARAM wParam,
              LPARAM lParam);
-  // A check box's click and a spin edit's edit.
-  void Command(BoundWindow& sender, UINT code) override;
-  // A slider's move.
-  bool ControlMessage(BoundWindow& sender, UINT message, WPARAM wParam,
-                      LRESULT& result) override;
+  // A control's notification code of WM_COMMAND (BN_CLICKED, EN_CHANGE…), unless the binding's
+  // own change of the window caused it: the buttons' clicks and a spin edit's edit.
+  void Command(BoundControl& sender, UINT code);
+  // Another message a control's window sends its parent about itself: a slider's move, the
+  // colours behind the system's controls. False leaves it to the parent's own handling.
+  bool ControlMessage(BoundControl& sender, UINT message, WPARAM wParam, LRESULT& result);
+  // A button's click: what the user ticked in the trees first, then the button's routine.
+  void Clicked(BoundControl& bound);
   void SpinEdited(BoundControl& bound);
 
-  // The model's changes.
-  // Labels and picture boxes are drawn again; the system's controls draw themselves.
-  void ApplyEnabled(BoundWindow& bound) override;
-  // A picture box shows what was drawn on it after Image, its Picture after Picture.
-  void ApplyPicture(BoundWindow& bound, Property which) override;
-  void ApplyValue(BoundWindow& bound) override;
+  // Makes the windows of a new record, its container's made already.
+  void MakeWindow(BoundControl& bound);
+  // How a change of the model shows on a control's windows.
+  // Labels, frames and picture boxes are drawn again; the system's controls draw themselves.
+  void ApplyEnabled(BoundControl& bound);
+  // `which`: Picture, or Image for what was drawn on a picture box's surface.
+  void ApplyPicture(BoundControl& bound, Property which);
+  void ApplyValue(BoundControl& bound);
   // Only a window on the screen; one that comes is painted whole.
-  void Repaint(BoundWindow& bound) override;
+  void Repaint(BoundControl& bound);
 
   // Painting.
+  // The colour behind a control: that of the picture box it stands in, or the dialog face.
+  std::uint32_t ColorBehind(const Control& control) const;
+  // What shows round the parts of a spin edit.
+  std::uint32_t SpinFace(const Control& spin) const;
   void PaintPicture(BoundControl& bound, HDC dc);
   void PaintLabel(BoundControl& bound, HWND window, HDC dc);
+  void PaintFrame(BoundControl& bound, HWND window, HDC dc);
   void PaintFormBackground(HDC dc);
   HFONT FontOf(const Label& label);
 
   // Tree views.
-  void ApplyNodes(BoundWindow& bound) override;
+  void ApplyNodes(BoundControl& bound);
   void InsertNode(BoundControl& bound, std::int32_t position);
-  // Expansion and selection follow once the program reaches its message loop, or at Flush.
-  void ApplyNodeStates(BoundWindow& bound) override;
+  // Expansion and selection follow once the program reaches its message loop, or at Flush; the
+  // ticks of a tree with tick boxes follow at once.
+  void ApplyNodeStates(BoundControl& bound);
   void SyncNodeStates(BoundControl& bound);
-  void ApplyImages(BoundWindow& bound) override;
+  // The tree's image list was changed or replaced.
+  void ApplyImages(BoundControl& bound);
   void ImagesChanged(BoundImageList& list);
-  void TreeNotification(BoundWindow& bound, const NMHDR& header, LPARAM lParam) override;
+  // A notification (WM_NOTIFY) of a tree view of the form.
+  void TreeNotification(BoundControl& bound, const NMHDR& header, LPARAM lParam);
+  // Takes the tick boxes as the user left them into the nodes' Checked.
+  void PullChecks(BoundControl& bound);
+  void PullAllChecks();
 
-  FrmMain& form_;
-  HICON icon_;
-  HICON smallIcon_;
+  // --- the records of the controls (FormControls.cpp) -----------------------------------------
+  // ControlObserver: passes each change of the model that concerns a window on to the Apply
+  // routines.
+  void Changed(Control& control, Property property) override;
+
+  // The window procedures of the form's top-level window and of the program's own control
+  // classes.
+  static LRESULT CALLBACK TopProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  static LRESULT CALLBACK PartProcedure(HWND window, UINT message, WPARAM wParam,
+                                        LPARAM lParam);
+  // What every top-level window does alike: it answers the find message, passes on what its
+  // controls tell it, and lets go of the binding when it is destroyed.
+  LRESULT CommonTopMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  // What every window of the program's own control classes does alike: it passes on what its
+  // controls tell it, is never erased (its painting covers it), passes the focus on to a spin
+  // edit's edit, and lets go of its record when it is destroyed.
+  LRESULT CommonPartMessage(BoundControl& bound, HWND window, UINT message, WPARAM wParam,
+                            LPARAM lParam);
+  // Passes what a control's window tells its parent to TreeNotification, Command or
+  // ControlMessage. False for any other message.
+  bool ControlNotification(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+  LRESULT AnswerFind(WPARAM atom) const;
+
+  // Before the windows: the common controls of `commonControlClasses`, the find message, the
+  // accessible names' service and the captions' face.
+  void Prepare(DWORD commonControlClasses);
+  // Binds every control (containers before what stands in them) and watches them all.
+  void BindAll(const std::vector<Control*>& controls);
+  BoundControl& Bind(Control& control);
+  BoundControl* RecordOf(const Control& control) const;
+  // The record of the control one of whose windows this is; null for another window.
+  BoundControl* RecordAt(HWND window) const;
+  HWND ParentOf(const Control& control) const;
+
+  // Makes the form's top-level window, which leads to this binding. Throws
+  // SystemFailure(`refusal`) when the system refuses it.
+  HWND MakeTopWindow(const TopWindow& wanted, const char* refusal);
+  // Makes the control's own window as `wanted`, gives it its accessible name and records it.
+  // Throws SystemFailure when the system refuses it.
+  HWND MakeChild(BoundControl& bound, const ChildWindow& wanted);
+  // A push button, check box or radio button (`buttonStyle`) that shows the control's caption
+  // in the captions' face.
+  void MakeButton(BoundControl& bound, DWORD buttonStyle);
+  // A spin edit: a window of the program's own `className` holding an edit and an up-down, the
+  // arrows at the right.
+  void MakeSpinEdit(BoundControl& bound, const char* className);
+  void MakeSpinParts(BoundControl& bound);
+  // A window of a record is being destroyed; its record lets go of it.
+  void Forget(HWND window);
+
+  // Moves the control's window to its container's window and its place.
+  void Place(BoundControl& bound);
+  void PlaceSpinParts(BoundControl& bound, int width, int height);
+  // Shows or hides the control's window as the control is.
+  void ApplyVisible(const BoundControl& bound);
+  // A window that shows the caption takes the new one; then the windows are drawn again.
+  void ApplyCaption(BoundControl& bound);
+  void EnableWindows(const BoundControl& bound);
+  HFONT CaptionFont() const { return font_.Get(); }
+  void UseCaptionFont(HWND window) const;
+  HBRUSH BrushOf(std::uint32_t color);
+
+  // Runs a handler of the model through ui::RunEvent, with the form.
+  void Run(const std::function<void()>& handler);
+
+  // Set while the binding itself changes a window, so that the window's notifications of that
+  // change are not taken for the user's.
+  class Applying {
+   public:
+    explicit Applying(FormWindow& binding) : counter_(binding.applying_) { ++counter_; }
+    ~Applying() { --counter_; }
+    Applying(const Applying&) = delete;
+    Applying& operator=(const Applying&) = delete;
+
+   private:
+    int& counter_;
+  };
+  bool IsApplying() const { return applying_ != 0; }
+
+  // Tree views.
+  // Deletes every item of the tree.
+  void ClearTree(BoundControl& bound);
+  // Adds the item of the next node, `node`, under its parent's item: `item` says what it shows
+  // besides its text.
+  void AddTreeItem(BoundControl& bound, const Node& node, TVITEMA item);
+  // The tree's selection moved to the model's selected node, or to none.
+  void ShowSelectedNode(const BoundControl& bound, std::int32_t selected);
+  // The position of the node an item shows; 0 for no item of the tree.
+  std::int32_t PositionOfItem(const BoundControl& bound, HTREEITEM item) const;
+  // The node the tree view found at a point (by TVM_HITTEST), selected in the model.
+  void SelectNodeHit(BoundControl& bound, const TVHITTESTINFO& hit);
+  // A change of the tree view's selection (TVN_SELCHANGED) taken into the model when the user
+  // made it. Gives the change's action: TVC_BYMOUSE, TVC_BYKEYBOARD, or TVC_UNKNOWN for one
+  // the binding made.
+  UINT FollowTreeSelection(BoundControl& bound, LPARAM lParam);
+  // How many of the tree's nodes have an item: fewer than it has while items are still added.
+  static std::size_t NodesShown(const BoundControl& bound, const TreeView& tree);
+
+  // Spin edits: the number in the edit; false for text that is no whole number.
+  static bool ReadSpinNumber(const BoundControl& bound, std::int32_t& value);
+
+  Form& form_;
+  HINSTANCE instance_;
+  FormWindowOptions options_;
+  HWND window_ = nullptr;
+  HWND owner_ = nullptr;
+  UINT findMessage_ = 0;
   UINT syncMessage_ = 0;
+  UINT pullMessage_ = 0;
+  int applying_ = 0;
   bool syncPosted_ = false;
   bool formPressed_ = false;
+  bool activated_ = false;
+  bool modal_ = false;
+  bool destroying_ = false;
+  UniqueFont font_;
+  std::map<std::uint32_t, UniqueBrush> brushes_;
+  AccessibleNames accessibleNames_;
+  std::vector<std::unique_ptr<BoundControl>> records_;
+  std::unordered_map<const Control*, BoundControl*> byControl_;
+  std::unordered_map<HWND, BoundControl*> byWindow_;
   // The labels' other faces of "Verdana", by size, weight and underline, made on first use.
   std::map<std::uint32_t, UniqueFont> labelFonts_;
   std::vector<std::unique_ptr<BoundImageList>> imageLists_;

@@ -11,7 +11,7 @@
 
 #include "Support.h"
 #include "platform/Service.h"
-#include "platform/portable/PortableModalForms.h"
+#include "platform/portable/PortableForms.h"
 #include "platform/portable/PortablePlatform.h"
 
 namespace quorvane::testing {
@@ -39,7 +39,7 @@ class PortableEnvironment : public ::testing::Environment {
 
  private:
   std::optional<platform::portable::PortablePlatform> platform_;
-  std::optional<platform::Installed<platform::ModalForms, platform::portable::PortableModalForms>>
+  std::optional<platform::Installed<platform::Forms, platform::portable::PortableForms>>
       forms_;
 };
 

@@ -12,7 +12,7 @@
 #include "Support.h"
 #include "platform/Service.h"
 #include "platform/win32/Win32Platform.h"
-#include "ui/win32/SettingsWindow.h"
+#include "ui/win32/Win32Forms.h"
 
 namespace quorvane::testing {
 
@@ -40,7 +40,7 @@ class Win32Environment : public ::testing::Environment {
 
  private:
   std::optional<platform::win32::Win32Platform> platform_;
-  std::optional<platform::Installed<platform::ModalForms, ui::win32::Win32ModalForms>> forms_;
+  std::optional<platform::Installed<platform::Forms, ui::win32::Win32Forms>> forms_;
 };
 
 [[maybe_unused]] ::testing::Environment* const kEnvironment =

@@ -10,9 +10,9 @@
 #include "platform/DeviceContexts.h"
 #include "ui/Controls.h"
 
-namespace quorvane::ui {
+namespace quorvane::platform {
 
-class MemorySurface final : public Surface {
+class MemorySurface final : public ui::Surface {
  public:
   MemorySurface() = default;
   ~MemorySurface() override;
@@ -21,14 +21,14 @@ class MemorySurface final : public Surface {
 
   // The memory context, of the box's present size; 0 when the box has no area or the platform
   // gives no bitmap.
-  std::uint32_t hDC(PictureBox& box) override;
-  void Cls(PictureBox& box) override;
+  std::uint32_t hDC(ui::PictureBox& box) override;
+  void Cls(ui::PictureBox& box) override;
   // Every pixel opaque; empty when there is no image.
-  Pixels Image(PictureBox& box) override;
+  Pixels Image(ui::PictureBox& box) override;
 
  private:
   // Makes the bitmap, or makes it anew at the box's size. False when there is none.
-  bool Ensure(PictureBox& box);
+  bool Ensure(ui::PictureBox& box);
   // The first byte of the pixels, rows top-down; null when there are none.
   std::uint8_t* Bits();
   void Fill(std::uint32_t backColor);
@@ -42,4 +42,4 @@ class MemorySurface final : public Surface {
   std::int32_t height_ = 0;
 };
 
-}  // namespace quorvane::ui
+}  // namespace quorvane::platform

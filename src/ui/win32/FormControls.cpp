@@ -1,9 +1,11 @@
-#include "ui/win32/ControlBinding.h"
+// The records of the form's binding: one for each control and the windows that show it, made
+// in the window of its container at its place and found by the control's system name; how a
+// change of the model reaches the windows; what the windows tell the binding; and what a tree
+// view and a spin edit do with their parts.
+#include "ui/win32/FormWindow.h"
 
 #include <windows.h>
 #include <commctrl.h>
-#include <ole2.h>
-#include <oleacc.h>
 #include <windowsx.h>
 
 #include <algorithm>
@@ -12,26 +14,6 @@
 namespace quorvane::ui::win32 {
 
 namespace {
-
-// The annotation service of the platform's accessibility layer, by its published identities.
-const CLSID kAccPropServicesClass = {
-    0xb5f8350b, 0x0548, 0x48b1, {0xa6, 0xee, 0x88, 0xbd, 0x00, 0xb4, 0xa5, 0xe7}};
-const IID kAccPropServicesInterface = {
-    0x6e26e776, 0x04f0, 0x495d, {0x80, 0xe4, 0x33, 0x30, 0x35, 0x2e, 0x31, 0x69}};
-const GUID kAccNameProperty = {
-    0x608d3df8, 0x8128, 0x4aa7, {0xa4, 0x28, 0xf5, 0x5e, 0x49, 0x26, 0x72, 0x91}};
-
-std::wstring Widen(const std::string& text) {
-  if (text.empty()) return std::wstring();
-  const int length =
-      ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 0), L'\0');
-  if (length > 0) {
-    ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                          length);
-  }
-  return wide;
-}
 
 // A control's place in its container's window, in pixels; never a negative size.
 struct PixelPlace {
@@ -72,111 +54,13 @@ const std::string& CaptionOf(const Control& control) {
 
 }  // namespace
 
-// --- names, units and classes -------------------------------------------------------------------
-
-std::string SystemNameOf(const Control& control) {
-  if (control.Index() < 0) return control.Name();
-  return control.Name() + "(" + std::to_string(control.Index()) + ")";
-}
-
-bool ParseSystemName(std::string_view text, std::string& name, std::int32_t& index) {
-  index = -1;
-  const std::size_t open = text.find('(');
-  if (open == std::string_view::npos) {
-    name.assign(text);
-    return !name.empty() && text.find(')') == std::string_view::npos;
-  }
-  if (open == 0 || text.size() < open + 3 || text.back() != ')') return false;
-  const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size() || value < 0) return false;
-  name.assign(text.substr(0, open));
-  index = value;
-  return true;
-}
-
-int ToPixels(std::int32_t twips) { return static_cast<int>(twips / kTwipsPerPixel); }
-
-std::uint32_t ToHandleValue(const void* handle) {
-  return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
-}
-
-std::runtime_error SystemFailure(const std::string& what) {
-  return std::runtime_error(what + " (system error " + std::to_string(::GetLastError()) + ")");
-}
-
-HFONT MakeVerdana(int points, bool bold, bool underline) {
-  return ::CreateFontA(-::MulDiv(points, 96, 72), 0, 0, 0, bold ? FW_BOLD : FW_NORMAL,
-                       FALSE, underline ? TRUE : FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana");
-}
-
-void RegisterWindowClass(HINSTANCE instance, const WindowClass& wanted, const char* refusal) {
-  WNDCLASSEXA known{};
-  known.cbSize = sizeof known;
-  if (::GetClassInfoExA(instance, wanted.name, &known) != 0) return;
-  WNDCLASSEXA made{};
-  made.cbSize = sizeof made;
-  made.style = wanted.style;
-  made.lpfnWndProc = wanted.procedure;
-  made.hInstance = instance;
-  made.hIcon = wanted.icon;
-  made.hIconSm = wanted.smallIcon;
-  made.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
-  made.hbrBackground = wanted.background;
-  made.lpszClassName = wanted.name;
-  if (::RegisterClassExA(&made) == 0) throw SystemFailure(refusal);
-}
-
-void DrawLabelCaption(HDC dc, const Label& label, HFONT font, RECT area) {
-  HGDIOBJ oldFont = ::SelectObject(dc, font);
-  ::SetBkMode(dc, TRANSPARENT);
-  ::SetTextColor(dc, label.Enabled() ? label.ForeColor() & 0xFFFFFFu
-                                     : ::GetSysColor(COLOR_GRAYTEXT));
-  std::string caption = label.Caption();
-  ::DrawTextA(dc, caption.data(), static_cast<int>(caption.size()), &area,
-              DT_LEFT | DT_TOP | DT_WORDBREAK | DT_NOPREFIX);
-  ::SelectObject(dc, oldFont);
-}
-
-// --- accessible names ---------------------------------------------------------------------------
-
-AccessibleNames::~AccessibleNames() {
-  if (service_ != nullptr) service_->Release();
-}
-
-void AccessibleNames::Connect() {
-  if (service_ != nullptr) return;
-  void* service = nullptr;
-  if (SUCCEEDED(::CoCreateInstance(kAccPropServicesClass, nullptr, CLSCTX_INPROC_SERVER,
-                                   kAccPropServicesInterface, &service))) {
-    service_ = static_cast<IAccPropServices*>(service);
-  }
-}
-
-void AccessibleNames::Give(HWND window, const std::string& name) const {
-  if (service_ == nullptr) return;
-  const std::wstring wide = Widen(name);
-  service_->SetHwndPropStr(window, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF,
-                           kAccNameProperty, wide.c_str());
-}
-
-void AccessibleNames::Take(HWND window) const {
-  if (service_ == nullptr) return;
-  MSAAPROPID name = kAccNameProperty;
-  service_->ClearHwndProps(window, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF, &name, 1);
+std::size_t FormWindow::NodesShown(const BoundControl& bound, const TreeView& tree) {
+  return std::min(bound.items.size(), static_cast<std::size_t>(std::max(0, tree.Count())));
 }
 
 // --- the records --------------------------------------------------------------------------------
 
-ControlBinding::ControlBinding(HINSTANCE instance) : instance_(instance) {}
-
-ControlBinding::~ControlBinding() {
-  for (auto& record : records_) record->control->Observe(nullptr);
-}
-
-void ControlBinding::Prepare(DWORD commonControlClasses) {
+void FormWindow::Prepare(DWORD commonControlClasses) {
   INITCOMMONCONTROLSEX controls{};
   controls.dwSize = sizeof controls;
   controls.dwICC = commonControlClasses;
@@ -186,41 +70,41 @@ void ControlBinding::Prepare(DWORD commonControlClasses) {
   font_.Reset(MakeVerdana(8, false, false));
 }
 
-void ControlBinding::BindAll(const std::vector<Control*>& controls) {
+void FormWindow::BindAll(const std::vector<Control*>& controls) {
   for (Control* control : controls) Bind(*control);
   for (auto& record : records_) record->control->Observe(this);
 }
 
-BoundWindow& ControlBinding::Bind(Control& control) {
-  if (BoundWindow* known = RecordOf(control)) return *known;
+BoundControl& FormWindow::Bind(Control& control) {
+  if (BoundControl* known = RecordOf(control)) return *known;
   if (control.Container != nullptr && control.Container != &control) Bind(*control.Container);
-  std::unique_ptr<BoundWindow> record = NewBound(control);
+  auto record = std::make_unique<BoundControl>(KindOf(control));
   record->binding = this;
   record->control = &control;
-  BoundWindow& bound = *record;
+  BoundControl& bound = *record;
   records_.push_back(std::move(record));
   byControl_[&control] = &bound;
   MakeWindow(bound);
   return bound;
 }
 
-BoundWindow* ControlBinding::RecordOf(const Control& control) const {
+BoundControl* FormWindow::RecordOf(const Control& control) const {
   const auto found = byControl_.find(&control);
   return found == byControl_.end() ? nullptr : found->second;
 }
 
-BoundWindow* ControlBinding::RecordAt(HWND window) const {
+BoundControl* FormWindow::RecordAt(HWND window) const {
   if (window == nullptr) return nullptr;
   const auto found = byWindow_.find(window);
   return found == byWindow_.end() ? nullptr : found->second;
 }
 
-HWND ControlBinding::WindowOf(const Control& control) const {
-  const BoundWindow* bound = RecordOf(control);
+HWND FormWindow::WindowOf(const Control& control) const {
+  const BoundControl* bound = RecordOf(control);
   return bound == nullptr ? nullptr : bound->window;
 }
 
-HWND ControlBinding::Find(std::string_view systemName) const {
+HWND FormWindow::Find(std::string_view systemName) const {
   std::string name;
   std::int32_t index = -1;
   if (!ParseSystemName(systemName, name, index)) return nullptr;
@@ -231,10 +115,10 @@ HWND ControlBinding::Find(std::string_view systemName) const {
   return nullptr;
 }
 
-void ControlBinding::Changed(Control& control, Property property) {
-  BoundWindow* found = RecordOf(control);
+void FormWindow::Changed(Control& control, Property property) {
+  BoundControl* found = RecordOf(control);
   if (found == nullptr || found->window == nullptr) return;
-  BoundWindow& bound = *found;
+  BoundControl& bound = *found;
   const bool tree = dynamic_cast<TreeView*>(&control) != nullptr;
   switch (property) {
     case Property::Visible:
@@ -270,40 +154,32 @@ void ControlBinding::Changed(Control& control, Property property) {
   }
 }
 
-void ControlBinding::Run(const std::function<void()>& handler) {
+void FormWindow::Run(const std::function<void()>& handler) {
   if (!handler) return;
-  const std::function<void()> call = handler;  // a handler may replace itself while it runs
-  try {
-    call();
-  } catch (const std::exception& failure) {
-    if (Failed) Failed(failure);
-  } catch (...) {
-    if (Failed) Failed(std::runtime_error("Unknown failure"));
-  }
-  Ran();
+  RunEvent(form_, handler);
 }
 
 // --- the windows --------------------------------------------------------------------------------
 
-HWND ControlBinding::ParentOf(const Control& control) const {
+HWND FormWindow::ParentOf(const Control& control) const {
   if (control.Container != nullptr) {
     if (HWND container = WindowOf(*control.Container); container != nullptr) return container;
   }
   return window_;
 }
 
-HWND ControlBinding::MakeTopWindow(const TopWindow& wanted, const char* refusal) {
+HWND FormWindow::MakeTopWindow(const TopWindow& wanted, const char* refusal) {
   const RECT& frame = wanted.frame;
   HWND window = ::CreateWindowExA(wanted.extendedStyle, wanted.className, wanted.caption,
                                   wanted.style, frame.left, frame.top, frame.right - frame.left,
                                   frame.bottom - frame.top, wanted.owner, nullptr, instance_,
-                                  static_cast<ControlBinding*>(this));
+                                  this);
   if (window == nullptr) throw SystemFailure(refusal);
   window_ = window;
   return window;
 }
 
-HWND ControlBinding::MakeChild(BoundWindow& bound, const ChildWindow& wanted) {
+HWND FormWindow::MakeChild(BoundControl& bound, const ChildWindow& wanted) {
   Control& control = *bound.control;
   const std::string name = SystemNameOf(control);
   const PixelPlace place = PlaceOf(control);
@@ -313,7 +189,7 @@ HWND ControlBinding::MakeChild(BoundWindow& bound, const ChildWindow& wanted) {
   HWND window = ::CreateWindowExA(wanted.extendedStyle, wanted.className, text.c_str(), style,
                                   place.x, place.y, place.width, place.height, ParentOf(control),
                                   nullptr, instance_,
-                                  wanted.ownClass ? static_cast<BoundWindow*>(&bound) : nullptr);
+                                  wanted.ownClass ? static_cast<BoundControl*>(&bound) : nullptr);
   if (window == nullptr) throw SystemFailure("The window of " + name + " was refused");
   bound.window = window;
   bound.showsCaption = wanted.showsCaption;
@@ -323,20 +199,20 @@ HWND ControlBinding::MakeChild(BoundWindow& bound, const ChildWindow& wanted) {
   return window;
 }
 
-void ControlBinding::MakeButton(BoundWindow& bound, DWORD buttonStyle) {
+void FormWindow::MakeButton(BoundControl& bound, DWORD buttonStyle) {
   MakeChild(bound, {.className = "BUTTON", .style = WS_TABSTOP | buttonStyle,
                     .showsCaption = true});
   UseCaptionFont(bound.window);
 }
 
-void ControlBinding::MakeSpinEdit(BoundWindow& bound, const char* className) {
+void FormWindow::MakeSpinEdit(BoundControl& bound, const char* className) {
   // Its parts are its children, reached with the keyboard as the form's own.
   MakeChild(bound, {.className = className, .style = WS_CLIPCHILDREN,
                     .extendedStyle = WS_EX_CONTROLPARENT, .ownClass = true});
   MakeSpinParts(bound);
 }
 
-void ControlBinding::MakeSpinParts(BoundWindow& bound) {
+void FormWindow::MakeSpinParts(BoundControl& bound) {
   const PixelPlace place = PlaceOf(*bound.control);
   const int arrows = ::GetSystemMetrics(SM_CXVSCROLL);
   bound.edit = ::CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "",
@@ -357,16 +233,16 @@ void ControlBinding::MakeSpinParts(BoundWindow& bound) {
   ::SendMessageA(bound.upDown, UDM_SETBUDDY, reinterpret_cast<WPARAM>(bound.edit), 0);
 }
 
-void ControlBinding::Forget(HWND window) {
+void FormWindow::Forget(HWND window) {
   auto found = byWindow_.find(window);
   if (found == byWindow_.end()) return;
-  BoundWindow& bound = *found->second;
+  BoundControl& bound = *found->second;
   byWindow_.erase(found);
   if (bound.window == window) {
     accessibleNames_.Take(window);
     bound.window = nullptr;
     bound.items.clear();
-    bound.WindowDestroyed();
+    bound.mirror.clear();
     bound.control->hWnd = 0;
   } else if (bound.edit == window) {
     bound.edit = nullptr;
@@ -375,7 +251,7 @@ void ControlBinding::Forget(HWND window) {
   }
 }
 
-void ControlBinding::Place(BoundWindow& bound) {
+void FormWindow::Place(BoundControl& bound) {
   HWND parent = ParentOf(*bound.control);
   if (::GetParent(bound.window) != parent) ::SetParent(bound.window, parent);
   const PixelPlace place = PlaceOf(*bound.control);
@@ -384,14 +260,14 @@ void ControlBinding::Place(BoundWindow& bound) {
   PlaceSpinParts(bound, place.width, place.height);
 }
 
-void ControlBinding::PlaceSpinParts(BoundWindow& bound, int width, int height) {
+void FormWindow::PlaceSpinParts(BoundControl& bound, int width, int height) {
   if (bound.edit == nullptr || bound.upDown == nullptr) return;
   const int arrows = ::GetSystemMetrics(SM_CXVSCROLL);
   ::MoveWindow(bound.edit, 0, 0, std::max(0, width - arrows), height, TRUE);
   ::MoveWindow(bound.upDown, std::max(0, width - arrows), 0, arrows, height, TRUE);
 }
 
-void ControlBinding::ApplyVisible(const BoundWindow& bound) {
+void FormWindow::ApplyVisible(const BoundControl& bound) {
   const bool visible = bound.control->Visible();
   if ((::IsWindowVisible(bound.window) != 0) == visible &&
       ((::GetWindowLongPtrA(bound.window, GWL_STYLE) & WS_VISIBLE) != 0) == visible) {
@@ -400,30 +276,23 @@ void ControlBinding::ApplyVisible(const BoundWindow& bound) {
   ::ShowWindow(bound.window, visible ? SW_SHOWNA : SW_HIDE);
 }
 
-void ControlBinding::ApplyCaption(BoundWindow& bound) {
+void FormWindow::ApplyCaption(BoundControl& bound) {
   if (bound.showsCaption) ::SetWindowTextA(bound.window, CaptionOf(*bound.control).c_str());
   Repaint(bound);
 }
 
-void ControlBinding::ApplyEnabled(BoundWindow& bound) {
-  EnableWindows(bound);
-  Repaint(bound);
-}
-
-void ControlBinding::ApplyPicture(BoundWindow& bound, Property /*which*/) { Repaint(bound); }
-
-void ControlBinding::EnableWindows(const BoundWindow& bound) {
+void FormWindow::EnableWindows(const BoundControl& bound) {
   const BOOL enabled = bound.control->Enabled() ? TRUE : FALSE;
   ::EnableWindow(bound.window, enabled);
   if (bound.edit != nullptr) ::EnableWindow(bound.edit, enabled);
   if (bound.upDown != nullptr) ::EnableWindow(bound.upDown, enabled);
 }
 
-void ControlBinding::UseCaptionFont(HWND window) const {
+void FormWindow::UseCaptionFont(HWND window) const {
   ::SendMessageA(window, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
 }
 
-HBRUSH ControlBinding::BrushOf(std::uint32_t color) {
+HBRUSH FormWindow::BrushOf(std::uint32_t color) {
   auto found = brushes_.find(color);
   if (found == brushes_.end()) {
     found = brushes_.emplace(color, UniqueBrush(::CreateSolidBrush(color & 0xFFFFFFu))).first;
@@ -433,21 +302,21 @@ HBRUSH ControlBinding::BrushOf(std::uint32_t color) {
 
 // --- messages -----------------------------------------------------------------------------------
 
-LRESULT CALLBACK ControlBinding::TopProcedure(HWND window, UINT message, WPARAM wParam,
+LRESULT CALLBACK FormWindow::TopProcedure(HWND window, UINT message, WPARAM wParam,
                                               LPARAM lParam) {
-  auto* self = OwnerOf<ControlBinding>(window, message, lParam);
+  auto* self = OwnerOf<FormWindow>(window, message, lParam);
   if (self == nullptr) return ::DefWindowProcA(window, message, wParam, lParam);
   return self->CommonTopMessage(window, message, wParam, lParam);
 }
 
-LRESULT CALLBACK ControlBinding::PartProcedure(HWND window, UINT message, WPARAM wParam,
+LRESULT CALLBACK FormWindow::PartProcedure(HWND window, UINT message, WPARAM wParam,
                                                LPARAM lParam) {
-  auto* bound = OwnerOf<BoundWindow>(window, message, lParam);
+  auto* bound = OwnerOf<BoundControl>(window, message, lParam);
   if (bound == nullptr) return ::DefWindowProcA(window, message, wParam, lParam);
   return bound->binding->CommonPartMessage(*bound, window, message, wParam, lParam);
 }
 
-LRESULT ControlBinding::CommonTopMessage(HWND window, UINT message, WPARAM wParam,
+LRESULT FormWindow::CommonTopMessage(HWND window, UINT message, WPARAM wParam,
                                          LPARAM lParam) {
   if (findMessage_ != 0 && message == findMessage_) {
     Flush();
@@ -463,7 +332,7 @@ LRESULT ControlBinding::CommonTopMessage(HWND window, UINT message, WPARAM wPara
   return TopMessage(window, message, wParam, lParam);
 }
 
-LRESULT ControlBinding::CommonPartMessage(BoundWindow& bound, HWND window, UINT message,
+LRESULT FormWindow::CommonPartMessage(BoundControl& bound, HWND window, UINT message,
                                           WPARAM wParam, LPARAM lParam) {
   LRESULT result = 0;
   if (ControlNotification(message, wParam, lParam, result)) return result;
@@ -482,19 +351,19 @@ LRESULT ControlBinding::CommonPartMessage(BoundWindow& bound, HWND window, UINT 
   }
 }
 
-bool ControlBinding::ControlNotification(UINT message, WPARAM wParam, LPARAM lParam,
+bool FormWindow::ControlNotification(UINT message, WPARAM wParam, LPARAM lParam,
                                          LRESULT& result) {
   switch (message) {
     case WM_NOTIFY: {
       const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-      BoundWindow* sender = header != nullptr ? RecordAt(header->hwndFrom) : nullptr;
+      BoundControl* sender = header != nullptr ? RecordAt(header->hwndFrom) : nullptr;
       if (sender == nullptr || dynamic_cast<TreeView*>(sender->control) == nullptr) return false;
       TreeNotification(*sender, *header, lParam);
       result = 0;
       return true;
     }
     case WM_COMMAND: {
-      BoundWindow* sender = RecordAt(reinterpret_cast<HWND>(lParam));
+      BoundControl* sender = RecordAt(reinterpret_cast<HWND>(lParam));
       if (sender == nullptr) return false;
       if (!IsApplying()) Command(*sender, HIWORD(wParam));
       result = 0;
@@ -505,7 +374,7 @@ bool ControlBinding::ControlNotification(UINT message, WPARAM wParam, LPARAM lPa
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: {
       // These name the control's window in lParam.
-      BoundWindow* sender = RecordAt(reinterpret_cast<HWND>(lParam));
+      BoundControl* sender = RecordAt(reinterpret_cast<HWND>(lParam));
       return sender != nullptr && ControlMessage(*sender, message, wParam, result);
     }
     default:
@@ -513,7 +382,7 @@ bool ControlBinding::ControlNotification(UINT message, WPARAM wParam, LPARAM lPa
   }
 }
 
-LRESULT ControlBinding::AnswerFind(WPARAM atom) const {
+LRESULT FormWindow::AnswerFind(WPARAM atom) const {
   char name[256] = {};
   const UINT length =
       ::GlobalGetAtomNameA(static_cast<ATOM>(atom), name, static_cast<int>(sizeof name));
@@ -523,12 +392,12 @@ LRESULT ControlBinding::AnswerFind(WPARAM atom) const {
 
 // --- tree views ---------------------------------------------------------------------------------
 
-void ControlBinding::ClearTree(BoundWindow& bound) {
+void FormWindow::ClearTree(BoundControl& bound) {
   ::SendMessageA(bound.window, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
   bound.items.clear();
 }
 
-void ControlBinding::AddTreeItem(BoundWindow& bound, const Node& node, TVITEMA item) {
+void FormWindow::AddTreeItem(BoundControl& bound, const Node& node, TVITEMA item) {
   TVINSERTSTRUCTA insert{};
   insert.hParent = TVI_ROOT;
   if (node.Parent > 0 && static_cast<std::size_t>(node.Parent) <= bound.items.size()) {
@@ -544,7 +413,7 @@ void ControlBinding::AddTreeItem(BoundWindow& bound, const Node& node, TVITEMA i
       ::SendMessageA(bound.window, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert))));
 }
 
-void ControlBinding::ShowSelectedNode(const BoundWindow& bound, std::int32_t selected) {
+void FormWindow::ShowSelectedNode(const BoundControl& bound, std::int32_t selected) {
   HTREEITEM wanted = nullptr;
   if (selected >= 1 && static_cast<std::size_t>(selected) <= bound.items.size()) {
     wanted = bound.items[static_cast<std::size_t>(selected) - 1];
@@ -556,7 +425,7 @@ void ControlBinding::ShowSelectedNode(const BoundWindow& bound, std::int32_t sel
   }
 }
 
-std::int32_t ControlBinding::PositionOfItem(const BoundWindow& bound, HTREEITEM item) const {
+std::int32_t FormWindow::PositionOfItem(const BoundControl& bound, HTREEITEM item) const {
   if (item == nullptr) return 0;
   TVITEMA query{};
   query.mask = TVIF_HANDLE | TVIF_PARAM;
@@ -570,14 +439,14 @@ std::int32_t ControlBinding::PositionOfItem(const BoundWindow& bound, HTREEITEM 
   return known ? position : 0;
 }
 
-void ControlBinding::SelectNodeHit(BoundWindow& bound, const TVHITTESTINFO& hit) {
+void FormWindow::SelectNodeHit(BoundControl& bound, const TVHITTESTINFO& hit) {
   if (hit.hItem == nullptr || (hit.flags & TVHT_ONITEM) == 0) return;
   auto& tree = static_cast<TreeView&>(*bound.control);
   const std::int32_t position = PositionOfItem(bound, hit.hItem);
   if (position != 0 && position != tree.SelectedItem()) Run([&] { tree.Select(position); });
 }
 
-UINT ControlBinding::FollowTreeSelection(BoundWindow& bound, LPARAM lParam) {
+UINT FormWindow::FollowTreeSelection(BoundControl& bound, LPARAM lParam) {
   if (IsApplying()) return TVC_UNKNOWN;
   const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);
   if (change.action != TVC_BYMOUSE && change.action != TVC_BYKEYBOARD) return TVC_UNKNOWN;
@@ -587,27 +456,9 @@ UINT ControlBinding::FollowTreeSelection(BoundWindow& bound, LPARAM lParam) {
   return change.action;
 }
 
-POINT MessagePointIn(HWND window) {
-  const DWORD at = ::GetMessagePos();
-  POINT point{GET_X_LPARAM(at), GET_Y_LPARAM(at)};
-  ::ScreenToClient(window, &point);
-  return point;
-}
-
-TVHITTESTINFO HitTestTree(HWND tree, POINT at) {
-  TVHITTESTINFO hit{};
-  hit.pt = at;
-  ::SendMessageA(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-  return hit;
-}
-
-std::size_t NodesShown(const BoundWindow& bound, const TreeView& tree) {
-  return std::min(bound.items.size(), static_cast<std::size_t>(std::max(0, tree.Count())));
-}
-
 // --- spin edits ---------------------------------------------------------------------------------
 
-bool ControlBinding::ReadSpinNumber(const BoundWindow& bound, std::int32_t& value) {
+bool FormWindow::ReadSpinNumber(const BoundControl& bound, std::int32_t& value) {
   if (bound.edit == nullptr) return false;
   char text[32] = {};
   const int length = ::GetWindowTextA(bound.edit, text, static_cast<int>(sizeof text));

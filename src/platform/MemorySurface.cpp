@@ -1,11 +1,11 @@
-#include "ui/MemorySurface.h"
+#include "platform/MemorySurface.h"
 
 #include <algorithm>
 #include <cstddef>
 
 #include "platform/Service.h"
 
-namespace quorvane::ui {
+namespace quorvane::platform {
 
 namespace {
 
@@ -48,9 +48,9 @@ void MemorySurface::Fill(std::uint32_t backColor) {
   }
 }
 
-bool MemorySurface::Ensure(PictureBox& box) {
-  const std::int32_t width = box.Width() / kTwipsPerPixel;
-  const std::int32_t height = box.Height() / kTwipsPerPixel;
+bool MemorySurface::Ensure(ui::PictureBox& box) {
+  const std::int32_t width = box.Width() / ui::kTwipsPerPixel;
+  const std::int32_t height = box.Height() / ui::kTwipsPerPixel;
   if (width <= 0 || height <= 0) return false;
   if (bitmap_ != 0 && width == width_ && height == height_) return true;
   if (gdi_ == nullptr) gdi_ = &platform::Use<platform::DeviceContexts>();
@@ -95,13 +95,13 @@ bool MemorySurface::Ensure(PictureBox& box) {
   return true;
 }
 
-std::uint32_t MemorySurface::hDC(PictureBox& box) { return Ensure(box) ? dc_ : 0; }
+std::uint32_t MemorySurface::hDC(ui::PictureBox& box) { return Ensure(box) ? dc_ : 0; }
 
-void MemorySurface::Cls(PictureBox& box) {
+void MemorySurface::Cls(ui::PictureBox& box) {
   if (Ensure(box)) Fill(box.BackColor);
 }
 
-Pixels MemorySurface::Image(PictureBox& box) {
+Pixels MemorySurface::Image(ui::PictureBox& box) {
   Pixels image;
   if (!Ensure(box)) return image;
   const std::uint8_t* bits = Bits();
@@ -118,4 +118,4 @@ Pixels MemorySurface::Image(PictureBox& box) {
   return image;
 }
 
-}  // namespace quorvane::ui
+}  // namespace quorvane::platform

@@ -1,0 +1,138 @@
+// Forms shown through the build's Forms adapter: a modeless form loads, shows and stays up until
+// the program unloads it. On Windows the form is real windows of the one binding: the busy
+// window FrmWorking as a thin-framed tool window with no caption bar, owned and not activated,
+// its inside the size of its picture; and every control of the main window, the thumbnail strip
+// and the wallpaper page among them, found from outside by its system name.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/FrmMain.h"
+#include "core/FrmWorking.h"
+#include "platform/Forms.h"
+#include "platform/Service.h"
+#include "ui/Controls.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include "ui/win32/FormWindow.h"
+#endif
+
+namespace quorvane::testing {
+namespace {
+
+#ifdef _WIN32
+// Whether this process can make windows at all: a run of Wine with no display cannot, and these
+// cases then need a virtual screen (scripts/gtest-on-screen.sh).
+bool HasScreen() {
+  HWND probe = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                                 ::GetModuleHandleA(nullptr), nullptr);
+  if (probe == nullptr) return false;
+  ::DestroyWindow(probe);
+  return true;
+}
+
+HWND Native(std::uint32_t handle) {
+  return reinterpret_cast<HWND>(static_cast<INT_PTR>(static_cast<int>(handle)));
+}
+
+std::string ClassOf(HWND window) {
+  char name[256] = {};
+  ::GetClassNameA(window, name, static_cast<int>(sizeof name));
+  return name;
+}
+
+std::string TextOf(HWND window) {
+  char text[256] = {};
+  ::GetWindowTextA(window, text, static_cast<int>(sizeof text));
+  return text;
+}
+
+HWND Lookup(HWND form, const std::string& systemName) {
+  const UINT find = ::RegisterWindowMessageA("Quorvane.FindControl");
+  const ATOM atom = ::GlobalAddAtomA(systemName.c_str());
+  const auto window = reinterpret_cast<HWND>(::SendMessageA(form, find, atom, 0));
+  ::GlobalDeleteAtom(atom);
+  return window;
+}
+#endif
+
+class FormsConformance : public ::testing::Test {
+ protected:
+  void SetUp() override {
+#ifdef _WIN32
+    if (!HasScreen()) GTEST_SKIP() << "no screen to show the forms on: run on a virtual one";
+#endif
+  }
+};
+
+TEST_F(FormsConformance, AModelessFormStaysUpUntilTheProgramUnloadsIt) {
+  FrmWorking form;
+  auto& forms = platform::Use<platform::Forms>();
+  forms.Show(form, false, 0);
+  EXPECT_TRUE(form.Loaded());
+  EXPECT_TRUE(form.Visible());
+#ifdef _WIN32
+  const HWND window = Native(form.hWnd);
+  ASSERT_NE(window, nullptr);
+  EXPECT_EQ(ClassOf(window), "QuorvaneWorking");
+  EXPECT_EQ(TextOf(window), "FrmWorking") << "a window without a caption carries its name";
+  const auto style = static_cast<DWORD>(::GetWindowLongPtrA(window, GWL_STYLE));
+  const auto extended = static_cast<DWORD>(::GetWindowLongPtrA(window, GWL_EXSTYLE));
+  EXPECT_NE(style & WS_BORDER, 0u);
+  EXPECT_NE(style & WS_VISIBLE, 0u);
+  EXPECT_NE(style & WS_POPUP, 0u);
+  EXPECT_EQ(style & WS_CAPTION, static_cast<DWORD>(WS_BORDER)) << "no caption bar";
+  EXPECT_NE(extended & WS_EX_TOOLWINDOW, 0u);
+  RECT inside{};
+  ::GetClientRect(window, &inside);
+  EXPECT_EQ(inside.right * ui::kTwipsPerPixel, form.Width);
+  EXPECT_EQ(inside.bottom * ui::kTwipsPerPixel, form.Height);
+#endif
+  forms.Unload(form);
+  EXPECT_FALSE(form.Loaded());
+  EXPECT_FALSE(form.Visible());
+#ifdef _WIN32
+  EXPECT_EQ(form.hWnd, 0u);
+  EXPECT_FALSE(::IsWindow(window));
+#endif
+}
+
+#ifdef _WIN32
+TEST_F(FormsConformance, EveryControlOfTheMainWindowIsFoundByItsSystemName) {
+  FrmMain form;
+  ui::win32::FormWindow window(form, ::GetModuleHandleA(nullptr));
+  window.Create();
+  const HWND main = window.Handle();
+  ASSERT_NE(main, nullptr);
+  EXPECT_EQ(ClassOf(main), "QuorvaneMain");
+  EXPECT_EQ(TextOf(main), "Quorvane");
+  int found = 0;
+  for (ui::Control* control : form.Controls()) {
+    const std::string name = ui::SystemNameOf(*control);
+    const HWND shown = Lookup(main, name);
+    if (dynamic_cast<ui::Timer*>(control) != nullptr) {
+      EXPECT_EQ(shown, nullptr) << name << ": a timer has no window";
+      continue;
+    }
+    ASSERT_NE(shown, nullptr) << name;
+    EXPECT_EQ(shown, Native(control->hWnd)) << name;
+    ++found;
+    // Windows that show their text show the caption; the rest carry the system name.
+    const auto* button = dynamic_cast<ui::CheckBox*>(control);
+    if (button == nullptr && dynamic_cast<ui::OptionButton*>(control) == nullptr) {
+      EXPECT_EQ(TextOf(shown), name);
+    }
+  }
+  EXPECT_EQ(found + 1, static_cast<int>(form.Controls().size())) << "all but Timer1 have a window";
+  EXPECT_NE(Lookup(main, "optThumb(0)"), nullptr);
+  EXPECT_EQ(Lookup(main, "optThumb(1)"), nullptr);
+  EXPECT_EQ(Lookup(main, "NoSuchControl"), nullptr);
+  window.Destroy();
+  EXPECT_EQ(form.hWnd, 0u);
+}
+#endif
+
+}  // namespace
+}  // namespace quorvane::testing
