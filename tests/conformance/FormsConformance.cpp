@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "Support.h"
+
 #include "core/FrmMain.h"
 #include "core/FrmWorking.h"
 #include "platform/Forms.h"
@@ -23,16 +25,6 @@ namespace quorvane::testing {
 namespace {
 
 #ifdef _WIN32
-// Whether this process can make windows at all: a run of Wine with no display cannot, and these
-// cases then need a virtual screen (scripts/gtest-on-screen.sh).
-bool HasScreen() {
-  HWND probe = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                                 ::GetModuleHandleA(nullptr), nullptr);
-  if (probe == nullptr) return false;
-  ::DestroyWindow(probe);
-  return true;
-}
-
 HWND Native(std::uint32_t handle) {
   return reinterpret_cast<HWND>(static_cast<INT_PTR>(static_cast<int>(handle)));
 }

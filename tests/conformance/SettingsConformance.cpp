@@ -101,16 +101,6 @@ void Show(FrmSettings& form, Act act) {
   gShown = nullptr;
 }
 
-// Whether this process can make windows at all: a run of Wine with no display cannot, and the
-// dialog's cases then need a virtual screen (scripts/gtest-on-screen.sh).
-bool HasScreen() {
-  HWND probe = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                                 ::GetModuleHandleA(nullptr), nullptr);
-  if (probe == nullptr) return false;
-  ::DestroyWindow(probe);
-  return true;
-}
-
 // This program's run value: its own folder and name, as the system names the running file.
 std::string ExpectedRunValue() {
   char path[MAX_PATH + 1] = {};

@@ -2,6 +2,10 @@
 
 #include <vector>
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include "platform/Service.h"
 
 namespace quorvane::testing {
@@ -23,5 +27,15 @@ void DeleteTree(platform::RegHandle root, const std::string& subKey) {
   for (const auto& child : children) DeleteTree(root, subKey + "\\" + child);
   store.RegDeleteKeyA(root, subKey);
 }
+
+#ifdef _WIN32
+bool HasScreen() {
+  HWND probe = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                                 ::GetModuleHandleA(nullptr), nullptr);
+  if (probe == nullptr) return false;
+  ::DestroyWindow(probe);
+  return true;
+}
+#endif
 
 }  // namespace quorvane::testing

@@ -15,4 +15,10 @@ platform::RegistryStore& Store();
 // Deletes a key with everything under it, through the store's own operations.
 void DeleteTree(platform::RegHandle root, const std::string& subKey);
 
+#ifdef _WIN32
+// Whether this process can make windows at all: a run of Wine with no display cannot, and the
+// cases that show forms then need a virtual screen (scripts/gtest-on-screen.sh).
+bool HasScreen();
+#endif
+
 }  // namespace quorvane::testing

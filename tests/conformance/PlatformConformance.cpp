@@ -1,16 +1,32 @@
-// The portable platform installs one adapter of every port for its life, and puts back what was
-// installed before when it ends.
+// Each build's platform object installs one adapter of every port for its life, and puts back
+// what was installed before when it ends.
 #include <gtest/gtest.h>
 
+#include "platform/MessageBoxes.h"
 #include "platform/Service.h"
-#include "platform/portable/PortableMessageBoxes.h"
+#ifdef _WIN32
+#include "platform/win32/Win32Platform.h"
+#else
 #include "platform/portable/PortablePlatform.h"
+#endif
 
-namespace quorvane::platform::portable {
+namespace quorvane::platform {
 namespace {
 
-TEST(PortablePlatformTest, EveryPortIsServedByThePlatformsOwnAdapter) {
-  PortablePlatform platform;
+#ifdef _WIN32
+using BuildPlatform = win32::Win32Platform;
+#else
+using BuildPlatform = portable::PortablePlatform;
+#endif
+
+// Message boxes of the test's own, installed over the platform's.
+class OwnBoxes final : public MessageBoxes {
+ public:
+  std::int32_t MsgBox(const std::string&, std::int32_t, const std::string&) override { return 0; }
+};
+
+TEST(PlatformConformance, EveryPortIsServedByThePlatformsOwnAdapter) {
+  BuildPlatform platform;
   EXPECT_EQ(&Use<platform::Process>(), &platform.Process());
   EXPECT_EQ(&Use<platform::RegistryStore>(), &platform.RegistryStore());
   EXPECT_EQ(&Use<platform::FileSystem>(), &platform.FileSystem());
@@ -33,22 +49,25 @@ TEST(PortablePlatformTest, EveryPortIsServedByThePlatformsOwnAdapter) {
   EXPECT_EQ(&Use<platform::WindowActions>(), &platform.WindowActions());
 }
 
-TEST(PortablePlatformTest, WhatWasInstalledBeforeIsBackWhenItEnds) {
-  platform::Clock* const clockBefore = gInstalled<platform::Clock>;
-  PortableMessageBoxes own;
+TEST(PlatformConformance, WhatWasInstalledBeforeIsBackWhenItEnds) {
+  platform::FileSystem* const files = gInstalled<platform::FileSystem>;
+  platform::Clock* const clock = gInstalled<platform::Clock>;
+  OwnBoxes own;
   ScopedService<platform::MessageBoxes> installed(own);
   {
-    PortablePlatform platform;
+    BuildPlatform platform;
     EXPECT_EQ(&Use<platform::MessageBoxes>(), &platform.MessageBoxes());
+    EXPECT_NE(gInstalled<platform::FileSystem>, files);
   }
   EXPECT_EQ(&Use<platform::MessageBoxes>(), &own);
-  EXPECT_EQ(gInstalled<platform::Clock>, clockBefore);
+  EXPECT_EQ(gInstalled<platform::FileSystem>, files);
+  EXPECT_EQ(gInstalled<platform::Clock>, clock);
 }
 
-TEST(PortablePlatformTest, APortInstalledOverThePlatformServesUntilItsScopeEnds) {
-  PortablePlatform platform;
+TEST(PlatformConformance, APortInstalledOverThePlatformServesUntilItsScopeEnds) {
+  BuildPlatform platform;
   {
-    PortableMessageBoxes own;
+    OwnBoxes own;
     ScopedService<platform::MessageBoxes> installed(own);
     EXPECT_EQ(&Use<platform::MessageBoxes>(), &own);
   }
@@ -56,4 +75,4 @@ TEST(PortablePlatformTest, APortInstalledOverThePlatformServesUntilItsScopeEnds)
 }
 
 }  // namespace
-}  // namespace quorvane::platform::portable
+}  // namespace quorvane::platform
