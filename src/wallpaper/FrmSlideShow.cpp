@@ -149,7 +149,10 @@ void FrmSlideShow::ShowPicture(std::int16_t mode) {
   PlacePanel();
   Image1.Visible(true);
   DoEvents();
-  Image1.Refresh();
+  // Painted again with its picture. (A picture box's Refresh shows what was drawn on its
+  // surface; nothing is drawn on this one: it shows its picture alone, which is handed back to it,
+  // memory and all.)
+  Image1.Picture(Image1.TakePicture());
   LblInformation.ZOrder();
   FmControlPanel.ZOrder();
 }
