@@ -217,8 +217,9 @@ echo "== end to end: the wallpaper settings and the change they make"
 settings_run
 
 # The slide show's collection "Slides": photographs of Debian's mate-backgrounds, which nobody here
-# made, three JPEGs as they are and two made smaller by ImageMagick, one into a 24-bit bitmap
-# that stands whole on the screen and one into a GIF, each of its own size; packed by the Windows
+# made, three JPEGs as they are and three made smaller by ImageMagick, one into a 24-bit bitmap
+# that stands whole on the screen, one into a GIF, and one into a PCX, a kind the program can't
+# decode, whose step the program reports; each of its own size; packed by the Windows
 # build's own packer into the program's data folder before the program starts. The manifest tells
 # the driver each picture's size. What the data folder held of the same names is put back
 # afterwards.
@@ -239,6 +240,7 @@ slideshow_run() {
   "$magick" "$nature/Aqua.jpg" -resize '480x300!' -alpha off -type TrueColor -compress None \
     "BMP3:$made/Aqua.bmp"
   "$magick" "$nature/Storm.jpg" -resize '360x240!' "$made/Storm.gif"
+  "$magick" "$nature/Storm.jpg" -resize '64x40!' "PCX:$made/Zigzag.pcx"
   local appdata data_w data_u
   appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
   data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"

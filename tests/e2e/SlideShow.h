@@ -4,8 +4,10 @@
 // window, over the collection's folder, which exists while the show is open. "Manually" is
 // chosen in its list, then CmdNext, CmdNext and CmdPrevious step through the pictures in the
 // folder's order, the first one seen being the second of the folder; the buttons show their
-// hover pictures under the pointer; "2 Seconds" lets the show step by itself; Escape leaves it,
-// and the folder is gone. Which picture is shown is told by Image1's size (each picture of the
+// hover pictures under the pointer; CmdNext on through the folder meets a PCX, which the program
+// can't decode: its top-level report shows a message box and logs a line, and after OK the show
+// goes on and wraps round to the first picture; "2 Seconds" lets the show step by itself; Escape
+// leaves it, and the folder is gone. Which picture is shown is told by Image1's size (each picture of the
 // collection has its own) and by the name the panel shows, read from the screen; a bitmap small
 // enough to stand whole on the screen is compared pixel for pixel.
 #include <string>
