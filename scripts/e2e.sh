@@ -11,9 +11,9 @@
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
 # change after them. The pictures are those of Debian's ukui-wallpapers (scripts/setup.sh installs
 # it); without them the two wallpaper runs fail, saying so. One screenshot per run and case goes
-# to build/screenshots/. Last, the slide show of a collection packed from Debian's mate-backgrounds,
-# driven by hand and by its timer. Ends with "N passed, M failed"; the exit status is non-zero when a case
-# failed or could not run.
+# to build/screenshots/. Last, the slide show of a collection packed from Debian's
+# mate-backgrounds, driven by hand and by its timer. Ends with "N passed, M failed"; the exit
+# status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
 # prefix prepared; alone it prepares the prefix itself and stops what it started.
