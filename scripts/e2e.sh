@@ -11,8 +11,9 @@
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
 # change after them. The pictures are those of Debian's ukui-wallpapers (scripts/setup.sh installs
 # it); without them the two wallpaper runs fail, saying so. One screenshot per run and case goes
-# to build/screenshots/. Ends with "N passed, M failed"; the exit status is non-zero when a case
-# failed or could not run.
+# to build/screenshots/. Last, the slide show of a collection packed from Debian's
+# mate-backgrounds, driven by hand and by its timer. Ends with "N passed, M failed"; the exit
+# status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
 # prefix prepared; alone it prepares the prefix itself and stops what it started.
@@ -214,6 +215,70 @@ settings_run() {
 }
 echo "== end to end: the wallpaper settings and the change they make"
 settings_run
+
+# The slide show's collection "Slides": photographs of Debian's mate-backgrounds, which nobody here
+# made, three JPEGs as they are and three made smaller by ImageMagick, one into a 24-bit bitmap
+# that stands whole on the screen, one into a GIF, and one into a PCX, a kind the program can't
+# decode, whose step the program reports; each of its own size; packed by the Windows
+# build's own packer into the program's data folder before the program starts. The manifest tells
+# the driver each picture's size. What the data folder held of the same names is put back
+# afterwards.
+slideshow_run() {
+  local nature=/usr/share/backgrounds/mate/nature
+  local made="$work/slides" manifest="$work/slideshow-manifest.txt" kept="$work/slideshow-kept"
+  local picture
+  for picture in GreenMeadow.jpg FreshFlower.jpg Dune.jpg Aqua.jpg Storm.jpg; do
+    if [ ! -f "$nature/$picture" ]; then
+      report+="FAIL slide show: $nature/$picture is missing: install Debian's wallpaper pictures"
+      report+=" with \`make setup\` (or apt-get install mate-backgrounds)"$'\n'"0 passed, 1 failed"$'\n'
+      return 0
+    fi
+  done
+  rm -rf "$made"
+  mkdir -p "$made"
+  cp "$nature/GreenMeadow.jpg" "$nature/FreshFlower.jpg" "$nature/Dune.jpg" "$made/"
+  "$magick" "$nature/Aqua.jpg" -resize '480x300!' -alpha off -type TrueColor -compress None \
+    "BMP3:$made/Aqua.bmp"
+  "$magick" "$nature/Storm.jpg" -resize '360x240!' "$made/Storm.gif"
+  "$magick" "$nature/Storm.jpg" -resize '64x40!' "PCX:$made/Zigzag.pcx"
+  local appdata data_w data_u
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+    report+="FAIL slide show: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  fi
+  mkdir -p "$data_u"
+  rm -rf "$kept"
+  mkdir -p "$kept"
+  local name
+  for name in Slides Slides.RXS; do
+    [ -e "$data_u/$name" ] && mv "$data_u/$name" "$kept/"
+  done
+  : >"$manifest"
+  local -a files=()
+  local size
+  for picture in "$made"/*; do
+    files+=("$(winepath -w "$picture" 2>/dev/null)")
+    size="$(/usr/bin/identify -format '%w %h' "$picture[0]" 2>/dev/null)"
+    printf 'Slides\t%s\t%s\t%s\n' "$(basename "$picture")" "${size% *}" "${size#* }" >>"$manifest"
+  done
+  if wine "$bin/cab_probe.exe" pack "$data_w\\Slides.RXS" "${files[@]}" \
+      >>"$work/wine.log" 2>&1 </dev/null; then
+    echo "collection: Slides ($(cd "$made" && echo *))"
+    drive "$work/slide-show.txt" slide-show "$shots_w" "$(winepath -w "$manifest" 2>/dev/null)"
+  else
+    report+="FAIL slide show: cab_probe.exe could not pack Slides.RXS"$'\n'"0 passed, 1 failed"$'\n'
+  fi
+  for name in Slides Slides.RXS; do
+    rm -rf "${data_u:?}/$name"
+    [ -e "$kept/$name" ] && mv "$kept/$name" "$data_u/"
+  done
+  rm -rf "$kept" "$made"
+}
+echo "== end to end: the slide show of a collection"
+slideshow_run
 
 for bmp in "$shots"/e2e-*.bmp; do
   [ -f "$bmp" ] || continue

@@ -37,6 +37,7 @@ grey_line='#d6dae0'
 grey_text='#9aa1ab'
 close_red='#d9453d'
 slide_bg='#e0e0e0'      # the slide show's control panel
+frame_line='#c3c8d0'    # the window's hairline frame
 
 font='DejaVu-Sans'
 font_bold='DejaVu-Sans-Bold'
@@ -264,43 +265,34 @@ for on in 0 1 2 3; do
 done
 
 # --- slide show buttons, 32 by 32, on its control panel ------------------------------------------
-# previous 151 and 152, finish (leave the slide show) 153 and 154, next 155 and 156.
-for row in "151 previous normal" "152 previous hover" "153 finish normal" "154 finish hover" \
-  "155 next normal" "156 next hover"; do
-  read -r number kind state <<<"$row"
+# The round buttons of the top icons, on the panel's face: at rest a white disc with a hairline
+# ring (the window frame's grey, which stands out from the panel) and the glyph in the accent's
+# dark shade; under the mouse an accent disc with a white
+# glyph. The glyphs are res/art/glyph-previous.mvg, glyph-finish.mvg and glyph-next.mvg.
+# number, state, glyph
+slide_table=(
+  "151 rest previous"
+  "152 lit previous"
+  "153 rest finish"
+  "154 lit finish"
+  "155 rest next"
+  "156 lit next"
+)
+for row in "${slide_table[@]}"; do
+  read -r number state art_name <<<"$row"
   begin 32 32 "$slide_bg"
-  if [ "$state" = hover ]; then
+  if [ "$state" = lit ]; then
     add "fill '$accent'"
-    add "circle 15.5,15.5 15.5,0.5"
-    mark='#ffffff'
+    add "circle 15.5,15.5 15.5,1"
+    glyph "$art_name" 6 6 '#ffffff' "$accent"
   else
     add "fill '$page_bg'"
-    add "stroke '#b4bac3'"
+    add "stroke '$frame_line'"
     add "stroke-width 1"
-    add "circle 15.5,15.5 15.5,1"
+    add "circle 15.5,15.5 15.5,1.5"
     add "stroke none"
-    mark="$text_dark"
+    glyph "$art_name" 6 6 "$accent_text" "$page_bg"
   fi
-  case "$kind" in
-    previous)
-      add "fill '$mark'"
-      add "rectangle 9,10 11,21"
-      add "polygon 22,10 22,21 12.5,15.5"
-      ;;
-    next)
-      add "fill '$mark'"
-      add "rectangle 20,10 22,21"
-      add "polygon 9,10 9,21 18.5,15.5"
-      ;;
-    finish)
-      add "fill none"
-      add "stroke '$mark'"
-      add "stroke-width 2.4"
-      add "stroke-linecap round"
-      add "line 11,11 20,20"
-      add "line 20,11 11,20"
-      ;;
-  esac
   emit "$number"
 done
 
@@ -356,7 +348,7 @@ mark() {
 # and the name at the top left above the page commands, and a divider between them and the pages.
 begin 750 570 "$window_bg"
 add "fill none"
-add "stroke '#c3c8d0'"
+add "stroke '$frame_line'"
 add "stroke-width 1"
 add "rectangle 0.5,0.5 749.5,569.5"
 add "stroke '$grey_line'"

@@ -35,6 +35,7 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
   CmdDefault.Click = [this] { CmdDefault_Click(); };
   CmdReset.Click = [this] { CmdReset_Click(); };
   CmdSettings.Click = [this] { CmdSettings_Click(); };
+  CmdSlideShow.Click = [this] { CmdSlideShow_Click(); };
   for (std::size_t i = 0; i < CmdWallpaperControl.size(); ++i) {
     CmdWallpaperControl[i].Click = [this, i] {
       CmdWallpaperControl_Click(static_cast<std::int16_t>(i));

@@ -223,6 +223,9 @@ class FrmMain : public ui::Form {
   void EmptyThumbnailStrip();
   // FrmSettings shown modal, owned by this window; its settings are read back when it closes.
   void CmdSettings_Click();
+  // FrmSlideShow shown modal, owned by this window, over the selected collection unpacked for
+  // the time it is open.
+  void CmdSlideShow_Click();
   // The tick of Timer1, and the tray menu's change that runs it at once.
   void Timer1_Timer();
   void mnuChangeWallpaper_Click();

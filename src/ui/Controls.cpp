@@ -58,6 +58,10 @@ void Control::Height(std::int32_t value) {
   Notify(Property::Position);
 }
 
+void Control::ZOrder() { Notify(Property::ZOrder); }
+
+void Control::SetFocus() { Notify(Property::Focus); }
+
 void CaptionedControl::Caption(const std::string& value) {
   caption_ = value;
   Notify(Property::Caption);
@@ -117,6 +121,30 @@ void OptionButton::Picture(Pixels value) {
 
 void OptionButton::Group(std::initializer_list<OptionButton*> buttons) {
   for (OptionButton* button : buttons) button->group_.assign(buttons.begin(), buttons.end());
+}
+
+void ComboBox::AddItem(const std::string& item) {
+  items_.push_back(item);
+  Notify(Property::Value);
+}
+
+void ComboBox::Clear() {
+  items_.clear();
+  listIndex_ = -1;
+  Notify(Property::Value);
+}
+
+const std::string& ComboBox::List(std::int32_t index) const {
+  if (index < 0 || index >= ListCount()) RaiseInvalidProcedureCall();
+  return items_[static_cast<std::size_t>(index)];
+}
+
+void ComboBox::ListIndex(std::int32_t index) {
+  if (index < -1 || index >= ListCount()) RaiseInvalidProcedureCall();
+  const bool changed = index != listIndex_;
+  listIndex_ = index;
+  Notify(Property::Value);
+  if (changed && Click) Click();
 }
 
 void ValueControl::Value(std::int32_t value) {

@@ -28,6 +28,9 @@ using quorvane::Pixels;
 // What a binding is told when a property of its control changes.
 enum class Property {
   Visible, Enabled, Tag, Position, Caption, Picture, Image, Value, Nodes, NodeState, Images,
+  // Asked of the control's window: to stand in front of the others of its container, to take
+  // the keyboard focus.
+  ZOrder, Focus,
 };
 
 class Control;
@@ -74,6 +77,11 @@ class Control {
   void Top(std::int32_t value);
   void Width(std::int32_t value);
   void Height(std::int32_t value);
+
+  // Puts the control in front of the other controls of its container.
+  void ZOrder();
+  // Gives the control the keyboard focus.
+  void SetFocus();
 
   // Handlers: the form's routines, connected by the form.
   std::function<void()> Click;
@@ -137,7 +145,9 @@ class Label : public CaptionedControl {
 };
 
 // A periodic timer of a form: while Enabled, Tick runs every Interval milliseconds. It has no
-// window of its own; the form's binding runs it.
+// window of its own; the form's binding runs it, from the form's window on, and starts it anew
+// at each setting of Enabled with the Interval it has then: a new interval is set before
+// Enabled.
 class Timer : public Control {
  public:
   using Control::Control;
@@ -177,6 +187,26 @@ class OptionButton : public CaptionedControl {
   std::uint32_t backColor_ = 0xF0F0F0;
   Pixels picture_;
   std::vector<OptionButton*> group_;
+};
+
+// A drop-down list to choose one entry from. Entries count from 0; ListIndex is the chosen
+// one, -1 for none.
+class ComboBox : public Control {
+ public:
+  using Control::Control;
+  void AddItem(const std::string& item);
+  void Clear();
+  std::int32_t ListCount() const { return static_cast<std::int32_t>(items_.size()); }
+  // Entry `index`; an index outside the list is a failure.
+  const std::string& List(std::int32_t index) const;
+  std::int32_t ListIndex() const { return listIndex_; }
+  // Chooses an entry, -1 for none; an index outside the list is a failure. Choosing another
+  // entry than the chosen one runs Click, as the platform's list does when the user chooses.
+  void ListIndex(std::int32_t index);
+
+ private:
+  std::vector<std::string> items_;
+  std::int32_t listIndex_ = -1;
 };
 
 // A push button with a caption; Click runs when it is pressed.

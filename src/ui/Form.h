@@ -34,6 +34,14 @@ enum class BorderStyle : std::int16_t {
 inline constexpr std::int16_t kDefaultPointer = 0;
 inline constexpr std::int16_t kHourglassPointer = 11;
 
+// How a form's window stands on the screen: at its design size, or over the whole screen.
+inline constexpr std::int16_t kNormalWindow = 0;
+inline constexpr std::int16_t kMaximizedWindow = 2;
+
+// The colour behind a form's controls by default: the system's button face, as the system
+// names its colours (0x80000000 and the colour's number); any other value is 0xBBGGRR.
+inline constexpr std::uint32_t kButtonFace = 0x8000000F;
+
 // Why a form is asked to unload.
 inline constexpr std::int16_t kUnloadFromMenu = 0;         // system menu, Alt+F4, the close box
 inline constexpr std::int16_t kUnloadFromCode = 1;         // the program's own code
@@ -57,6 +65,14 @@ class Form {
   BorderStyle Border = BorderStyle::None;
   // The picture drawn behind the controls; empty, the form is plain.
   Pixels Picture;
+  // The colour of the form's surface beyond its picture: kButtonFace or 0xBBGGRR.
+  std::uint32_t BackColor = kButtonFace;
+  // kNormalWindow, or kMaximizedWindow: the window covers the screen, and once it is made
+  // Width and Height are the screen's.
+  std::int16_t WindowState = kNormalWindow;
+  // The form sees every key pressed in it (Form_KeyDown) before the control that has the focus
+  // does; a modal form's binding passes them on.
+  bool KeyPreview = false;
   // The pointer over the form and every control of it: kDefaultPointer or kHourglassPointer.
   std::int16_t MousePointer = kDefaultPointer;
   // The real window and the window's own icon, once a binding made them; 0 headless.
@@ -83,6 +99,9 @@ class Form {
                               float /*Y*/) {}
   virtual void Form_MouseMove(std::int16_t /*Button*/, std::int16_t /*Shift*/, float /*X*/,
                               float /*Y*/) {}
+  // A key pressed, with KeyPreview: its code (27 for Escape) and shift (1 shift, 2 control,
+  // 4 alt). Setting KeyCode to 0 keeps the key from the control with the focus.
+  virtual void Form_KeyDown(std::int16_t& /*KeyCode*/, std::int16_t /*Shift*/) {}
 
   // Loads the form when it is not loaded: Loaded() becomes true and Form_Load runs.
   void Load();

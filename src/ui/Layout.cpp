@@ -64,6 +64,8 @@ void ApplyLayout(Form& form, const FormLayout& layout) {
   form.Width = layout.width;
   form.Height = layout.height;
   form.Border = layout.border;
+  form.BackColor = layout.backColor;
+  form.WindowState = layout.windowState;
   for (const ControlLayout& row : layout.controls) Apply(form, row);
 }
 

@@ -38,6 +38,9 @@ struct FormLayout {
   std::int32_t height = 0;
   BorderStyle border = BorderStyle::None;
   std::span<const ControlLayout> controls = {};
+  // The form's surface (kButtonFace or 0xBBGGRR), and how its window stands on the screen.
+  std::uint32_t backColor = kButtonFace;
+  std::int16_t windowState = kNormalWindow;
 };
 
 // Gives the form and every control of the table what the table says. A row that names no

@@ -18,6 +18,10 @@
 //       made to name what can't become a wallpaper, <entry> ("<collection>\<file>") being a
 //       packed file that is no picture; each change shows a message box and logs a line, and
 //       the change of the manifest's first picture works afterwards.
+//   e2e_driver slide-show <result file> <screenshot folder> <manifest file>
+//       One run for the slide show (SlideShow.cpp): the manifest's collection selected on the
+//       "Wallpaper" page, the show opened with CmdSlideShow, stepped by hand and by itself, its
+//       buttons' hover pictures, and left with Escape.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -42,6 +46,7 @@
 #include "Navigation.h"
 #include "Registry.h"
 #include "Settings.h"
+#include "SlideShow.h"
 #include "WallpaperFailures.h"
 
 namespace {
@@ -500,6 +505,14 @@ int WallpaperFailuresRun(const std::string& resultPath, const std::string& scree
   return result.Finish();
 }
 
+int SlideShowRun(const std::string& resultPath, const std::string& screenshotFolder,
+                 const std::string& manifest) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunSlideShow(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -543,6 +556,7 @@ int main(int argc, char** argv) {
   if (command == "wallpaper-failures" && argc == 6) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);
   }
+  if (command == "slide-show" && argc == 5) return SlideShowRun(argv[2], argv[3], argv[4]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;

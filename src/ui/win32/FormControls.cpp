@@ -23,6 +23,9 @@ struct PixelPlace {
   int height = 0;
 };
 
+// The height of a drop-down list's entries when dropped, in pixels.
+constexpr int kDroppedList = 160;
+
 PixelPlace PlaceOf(const Control& control) {
   return PixelPlace{ToPixels(control.Left()), ToPixels(control.Top()),
                     std::max(0, ToPixels(control.Width())),
@@ -116,6 +119,10 @@ HWND FormWindow::Find(std::string_view systemName) const {
 }
 
 void FormWindow::Changed(Control& control, Property property) {
+  if (const auto* timer = dynamic_cast<const Timer*>(&control)) {
+    if (property == Property::Enabled) ApplyTimer(*timer);
+    return;
+  }
   BoundControl* found = RecordOf(control);
   if (found == nullptr || found->window == nullptr) return;
   BoundControl& bound = *found;
@@ -148,6 +155,12 @@ void FormWindow::Changed(Control& control, Property property) {
       break;
     case Property::Images:
       if (tree) ApplyImages(bound);
+      break;
+    case Property::ZOrder:
+      ::SetWindowPos(bound.window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+      break;
+    case Property::Focus:
+      ::SetFocus(bound.edit != nullptr ? bound.edit : bound.window);
       break;
     case Property::Tag:
       break;
@@ -255,7 +268,9 @@ void FormWindow::Place(BoundControl& bound) {
   HWND parent = ParentOf(*bound.control);
   if (::GetParent(bound.window) != parent) ::SetParent(bound.window, parent);
   const PixelPlace place = PlaceOf(*bound.control);
-  ::SetWindowPos(bound.window, nullptr, place.x, place.y, place.width, place.height,
+  // A drop-down list's window holds its list too, dropped below the place.
+  const int dropped = bound.kind == Kind::Combo ? kDroppedList : 0;
+  ::SetWindowPos(bound.window, nullptr, place.x, place.y, place.width, place.height + dropped,
                  SWP_NOZORDER | SWP_NOACTIVATE);
   PlaceSpinParts(bound, place.width, place.height);
 }

@@ -93,6 +93,7 @@ Kind KindOf(Control& control) {
   if (dynamic_cast<CheckBox*>(&control) != nullptr) return Kind::Check;
   if (dynamic_cast<OptionButton*>(&control) != nullptr) return Kind::Option;
   if (dynamic_cast<CommandButton*>(&control) != nullptr) return Kind::Command;
+  if (dynamic_cast<ComboBox*>(&control) != nullptr) return Kind::Combo;
   if (dynamic_cast<ValueControl*>(&control) != nullptr) {
     return IsSpinEdit(control.Name()) ? Kind::Spin : Kind::Slider;
   }
@@ -106,6 +107,7 @@ FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
   options_.quitWhenGone = false;
   form_.Observe(nullptr);
+  for (Timer* timer : form_.Timers()) timer->Observe(nullptr);
   destroying_ = true;
   Destroy();
   for (auto& list : imageLists_) list->model->Observe(nullptr);
@@ -166,6 +168,17 @@ TopWindow FormWindow::TopWindowFor(HWND owner) const {
       break;
   }
   RECT frame{0, 0, ToPixels(form_.Width), ToPixels(form_.Height)};
+  if (form_.WindowState == kMaximizedWindow) {
+    // Over the whole screen, its inside the screen's size.
+    frame = RECT{0, 0, ::GetSystemMetrics(SM_CXSCREEN), ::GetSystemMetrics(SM_CYSCREEN)};
+    if (form_.Border != BorderStyle::None) ::AdjustWindowRectEx(&frame, style, FALSE, extended);
+    return TopWindow{.className = nullptr,
+                     .caption = nullptr,
+                     .style = style,
+                     .extendedStyle = extended,
+                     .frame = frame,
+                     .owner = owner};
+  }
   if (form_.Border != BorderStyle::None) ::AdjustWindowRectEx(&frame, style, FALSE, extended);
   const int width = frame.right - frame.left;
   const int height = frame.bottom - frame.top;
@@ -209,6 +222,12 @@ void FormWindow::Create(HWND owner) {
   }
   form_.hWnd = ToHandleValue(window);
   form_.Icon = ToHandleValue(options_.icon);
+  if (form_.WindowState == kMaximizedWindow) {
+    RECT inside{};
+    ::GetClientRect(window, &inside);
+    form_.Width = (inside.right - inside.left) * kTwipsPerPixel;
+    form_.Height = (inside.bottom - inside.top) * kTwipsPerPixel;
+  }
   form_.Observe(this);
 
   std::vector<Control*> windowed;
@@ -223,7 +242,41 @@ void FormWindow::Create(HWND owner) {
     if (timers[i]->Enabled() && timers[i]->Interval > 0) {
       ::SetTimer(window, i + 1, static_cast<UINT>(timers[i]->Interval), nullptr);
     }
+    timers[i]->Observe(this);
   }
+}
+
+void FormWindow::ApplyTimer(const Timer& timer) {
+  if (Handle() == nullptr) return;
+  const std::vector<Timer*> timers = form_.Timers();
+  for (std::size_t i = 0; i < timers.size(); ++i) {
+    if (timers[i] != &timer) continue;
+    ::KillTimer(Handle(), i + 1);
+    if (timer.Enabled() && timer.Interval > 0) {
+      ::SetTimer(Handle(), i + 1, static_cast<UINT>(timer.Interval), nullptr);
+    }
+  }
+}
+
+bool FormWindow::PreviewKey(const MSG& message) {
+  if (!form_.KeyPreview || (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN)) {
+    return false;
+  }
+  if (message.hwnd != Handle() && ::IsChild(Handle(), message.hwnd) == 0) return false;
+  auto key = static_cast<std::int16_t>(message.wParam);
+  const auto shift = static_cast<std::int16_t>((::GetKeyState(VK_SHIFT) < 0 ? 1 : 0) |
+                                               (::GetKeyState(VK_CONTROL) < 0 ? 2 : 0) |
+                                               (::GetKeyState(VK_MENU) < 0 ? 4 : 0));
+  Run([&] { form_.Form_KeyDown(key, shift); });
+  return key == 0 || !form_.Loaded() || Handle() == nullptr;
+}
+
+std::uint32_t FormWindow::FormFace() const {
+  // The system's colours are named as 0x80000000 and the colour's number.
+  if ((form_.BackColor & 0x80000000u) != 0) {
+    return ::GetSysColor(static_cast<int>(form_.BackColor & 0xFFu));
+  }
+  return form_.BackColor & 0xFFFFFFu;
 }
 
 void FormWindow::MakeWindow(BoundControl& record) {
@@ -274,6 +327,12 @@ void FormWindow::MakeWindow(BoundControl& record) {
       break;
     case Kind::Spin:
       MakeSpinEdit(bound, kSpinClass);
+      break;
+    case Kind::Combo:
+      MakeChild(bound, {.className = WC_COMBOBOXA,
+                        .style = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST});
+      UseCaptionFont(bound.window);
+      Place(bound);
       break;
   }
   // The system's controls tell the form about the mouse as the program's own windows do.
@@ -331,6 +390,7 @@ void FormWindow::ShowModal(HWND owner) {
       break;
     }
     if (result == -1) break;
+    if (Handle() != nullptr && PreviewKey(message)) continue;
     if (Handle() != nullptr && ::IsDialogMessageA(Handle(), &message) != 0) continue;
     ::TranslateMessage(&message);
     ::DispatchMessageA(&message);
@@ -455,9 +515,32 @@ void FormWindow::ApplyValue(BoundControl& record) {
       }
       break;
     }
+    case Kind::Combo:
+      ApplyList(bound);
+      break;
     default:
       break;
   }
+}
+
+void FormWindow::ApplyList(BoundControl& bound) {
+  const auto& list = static_cast<ComboBox&>(*bound.control);
+  bool same = ::SendMessageA(bound.window, CB_GETCOUNT, 0, 0) == list.ListCount();
+  for (std::int32_t i = 0; same && i < list.ListCount(); ++i) {
+    char shown[256] = {};
+    const LRESULT length = ::SendMessageA(bound.window, CB_GETLBTEXTLEN, static_cast<WPARAM>(i), 0);
+    same = length >= 0 && length < static_cast<LRESULT>(sizeof shown) &&
+           ::SendMessageA(bound.window, CB_GETLBTEXT, static_cast<WPARAM>(i),
+                          reinterpret_cast<LPARAM>(shown)) == length &&
+           list.List(i) == shown;
+  }
+  if (!same) {
+    ::SendMessageA(bound.window, CB_RESETCONTENT, 0, 0);
+    for (std::int32_t i = 0; i < list.ListCount(); ++i) {
+      ::SendMessageA(bound.window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(list.List(i).c_str()));
+    }
+  }
+  ::SendMessageA(bound.window, CB_SETCURSEL, static_cast<WPARAM>(list.ListIndex()), 0);
 }
 
 // --- painting ---------------------------------------------------------------------------------
@@ -469,7 +552,7 @@ std::uint32_t FormWindow::ColorBehind(const Control& control) const {
       return box->BackColor & 0xFFFFFFu;
     }
   }
-  return ::GetSysColor(COLOR_BTNFACE);
+  return FormFace();
 }
 
 std::uint32_t FormWindow::SpinFace(const Control& spin) const {
@@ -497,16 +580,17 @@ void FormWindow::PaintFormBackground(HDC dc) {
   RECT area{};
   ::GetClientRect(Handle(), &area);
   const Pixels& picture = form_.Picture;
+  const std::uint32_t face = FormFace();
   if (picture.Empty()) {
-    ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
+    ::FillRect(dc, &area, BrushOf(face));
     return;
   }
-  DrawPixels(dc, picture, 0, 0, ::GetSysColor(COLOR_BTNFACE));
+  DrawPixels(dc, picture, 0, 0, face);
   // A window larger than its picture shows the plain colour beyond it.
   RECT right{picture.width, 0, area.right, area.bottom};
   RECT below{0, picture.height, std::min<LONG>(picture.width, area.right), area.bottom};
-  if (right.left < right.right) ::FillRect(dc, &right, ::GetSysColorBrush(COLOR_BTNFACE));
-  if (below.top < below.bottom) ::FillRect(dc, &below, ::GetSysColorBrush(COLOR_BTNFACE));
+  if (right.left < right.right) ::FillRect(dc, &right, BrushOf(face));
+  if (below.top < below.bottom) ::FillRect(dc, &below, BrushOf(face));
 }
 
 void FormWindow::PaintPicture(BoundControl& bound, HDC dc) {
@@ -610,8 +694,8 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       return 0;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN:
-      ::SetBkColor(reinterpret_cast<HDC>(wParam), ::GetSysColor(COLOR_BTNFACE));
-      return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_BTNFACE));
+      ::SetBkColor(reinterpret_cast<HDC>(wParam), FormFace());
+      return reinterpret_cast<LRESULT>(BrushOf(FormFace()));
     case WM_TIMER: {
       const std::vector<Timer*> timers = form_.Timers();
       if (wParam >= 1 && wParam <= timers.size()) Run(timers[wParam - 1]->Tick);
@@ -802,6 +886,12 @@ void FormWindow::Command(BoundControl& sender, UINT code) {
     Clicked(bound);
   } else if (bound.kind == Kind::Spin && code == EN_CHANGE) {
     SpinEdited(bound);
+  } else if (bound.kind == Kind::Combo && code == CBN_SELCHANGE) {
+    auto& list = static_cast<ComboBox&>(*bound.control);
+    const auto chosen = static_cast<std::int32_t>(::SendMessageA(bound.window, CB_GETCURSEL, 0, 0));
+    if (chosen != list.ListIndex() && chosen >= 0 && chosen < list.ListCount()) {
+      Run([&] { list.ListIndex(chosen); });
+    }
   }
 }
 

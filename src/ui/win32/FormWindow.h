@@ -16,10 +16,16 @@
 //                  FixedSingle: a thin frame with a caption bar and a close box;
 //                  FixedToolWindow: a tool window's thin frame, a caption bar only with a caption
 //   place          centred over its owner when the owner is on the screen, else on the screen
-//   background     the form's Picture at (0, 0), the dialog face beyond it
+//   background     the form's Picture at (0, 0), its BackColor (the dialog face by default)
+//                  beyond it
+//   window state   maximised: the window covers the screen, and the form's Width and Height
+//                  become the screen's once the window is made
 //   pointer        the hourglass over the window and all its controls while the form's
 //                  MousePointer asks for it
-//   timers         each enabled Timer of the form ticks on the window from its creation
+//   timers         each enabled Timer of the form ticks on the window from its creation, and is
+//                  started anew with its Interval at each setting of its Enabled
+//   keys           a modal form with KeyPreview sees each key pressed in its windows first
+//                  (Form_KeyDown); a key it sets to 0 goes no further
 //   shown          modeless (Show): owned, without taking the activation from its owner; modal
 //                  (ShowModal): its owner disabled until the form is unloaded
 //
@@ -41,7 +47,11 @@
 //                  with an up-down inside a "QuorvaneSpinEdit" window, on the dialog face for a
 //                  text box ("Txt…"), on what is behind it for a spin box ("Cbo…"); a Min and
 //                  Max both 0 mean no bounds
+//   ComboBox       a drop-down list of the model's entries; the user's choice sets ListIndex
 //   Timer          no window
+//
+// A control asked to stand in front (ZOrder) goes to the top of its container's windows; one
+// asked for the focus (SetFocus) takes the keyboard focus.
 //
 // Found from outside: every child's window text is its system name ("TvDesktop", "CmdMenu(2)"),
 // except where the window shows its text (the buttons show their captions); the system name is
@@ -84,7 +94,7 @@ struct FormWindowOptions {
 };
 
 // The kinds of control, each shown by one kind of window.
-enum class Kind { Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin };
+enum class Kind { Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin, Combo };
 Kind KindOf(Control& control);
 
 class FormWindow;
@@ -220,6 +230,15 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // `which`: Picture, or Image for what was drawn on a picture box's surface.
   void ApplyPicture(BoundControl& bound, Property which);
   void ApplyValue(BoundControl& bound);
+  // A drop-down list's entries and choice.
+  void ApplyList(BoundControl& bound);
+  // A timer of the form started anew, or stopped, as its Enabled and Interval are.
+  void ApplyTimer(const Timer& timer);
+  // A key of a modal form's loop shown to the form first, when it previews keys; true when the
+  // form took the key, or is gone.
+  bool PreviewKey(const MSG& message);
+  // The colour of the form's own surface.
+  std::uint32_t FormFace() const;
   // Only a window on the screen; one that comes is painted whole.
   void Repaint(BoundControl& bound);
 
