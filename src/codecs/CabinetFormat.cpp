@@ -210,19 +210,18 @@ std::optional<std::string> WalkFolder(RandomFile& file, Layout& layout, std::siz
     }
     const auto length = static_cast<std::uint32_t>(blockHeader + packed);
     // The checksum covers the data, then the two sizes and the block's reserved bytes; a zero
-    // means the writer gave none. Damaged data goes no further than here.
-    if (checksum != 0) {
-      block.resize(length);
-      if (!file.ReadAt(pos, block.data(), block.size())) {
-        return "the data of its folder " + Number(index) + " can't be read";
-      }
-      const std::uint32_t sum = Checksum(block.data() + 4, static_cast<std::size_t>(blockHeader - 4),
-                                         Checksum(block.data() + blockHeader, packed, 0));
-      if (sum != checksum) {
-        return "a data block of its folder " + Number(index) + " is damaged: its checksum does not match";
-      }
+    // means the writer gave none, and the block's own sum is kept for readers that want one.
+    // Damaged data goes no further than here.
+    block.resize(length);
+    if (!file.ReadAt(pos, block.data(), block.size())) {
+      return "the data of its folder " + Number(index) + " can't be read";
     }
-    blocks.push_back(DataBlock{pos, length, unpacked});
+    const std::uint32_t sum = Checksum(block.data() + 4, static_cast<std::size_t>(blockHeader - 4),
+                                       Checksum(block.data() + blockHeader, packed, 0));
+    if (checksum != 0 && sum != checksum) {
+      return "a data block of its folder " + Number(index) + " is damaged: its checksum does not match";
+    }
+    blocks.push_back(DataBlock{pos, length, unpacked, checksum, sum});
     expanded += unpacked;
     pos += length;
   }

@@ -39,6 +39,10 @@ struct DataBlock {
   std::uint64_t offset = 0;     // of the block's header
   std::uint32_t length = 0;     // header and data
   std::uint32_t expanded = 0;   // bytes the block expands to
+  // What the block's checksum field holds; 0 when its writer gave none.
+  std::uint32_t storedChecksum = 0;
+  // The block's checksum as its bytes give it: the stored one, unless that is 0.
+  std::uint32_t checksum = 0;
 };
 
 struct Folder {
@@ -79,8 +83,8 @@ std::optional<std::string> ReadLayout(RandomFile& file, Layout& layout);
 
 // Reads the headers of a folder's data blocks and checks them against the file and against the
 // entries stored in it: every block inside the file, no block expanding beyond the block size, a
-// stored block as long as it expands, and every entry of the folder inside what its blocks expand
-// to. Returns what is wrong, or nothing.
+// stored block as long as it expands, a checksum that matches the data (0 stands for none), and
+// every entry of the folder inside what its blocks expand to. Returns what is wrong, or nothing.
 std::optional<std::string> WalkFolder(RandomFile& file, Layout& layout, std::size_t folder);
 
 // Why an entry of this name may not be unpacked, or nothing when it may: an empty name, one that

@@ -146,6 +146,7 @@ std::uint32_t Checksum(const std::string& b, std::size_t at, std::size_t n, std:
 struct Member {
   std::string name;
   std::string data;
+  std::uint16_t attributes = 0x20;  // archive; 0x80 added says the name is UTF-8
 };
 
 std::string BuildCabinet(const std::vector<Member>& members) {
@@ -172,7 +173,7 @@ std::string BuildCabinet(const std::vector<Member>& members) {
     Set16(b, fileAt + 8, static_cast<std::uint32_t>(i));
     Set16(b, fileAt + 10, (45u << 9) | (6u << 5) | 15u);  // 15 June 2025
     Set16(b, fileAt + 12, (12u << 11) | (30u << 5));
-    Set16(b, fileAt + 14, 0x20);
+    Set16(b, fileAt + 14, m.attributes);
     b.replace(fileAt + 16, m.name.size() + 1, m.name + '\0');
     fileAt += 16 + m.name.size() + 1;
     for (std::size_t k = 0; k < blocks; ++k) {
@@ -187,6 +188,19 @@ std::string BuildCabinet(const std::vector<Member>& members) {
   }
   Set32(b, 8, static_cast<std::uint32_t>(b.size()));
   return b;
+}
+
+// Where each data block of a cabinet without reserved areas begins, folder after folder.
+std::vector<std::size_t> BlockOffsets(const std::string& b) {
+  std::vector<std::size_t> out;
+  for (std::size_t f = 0; f < Get16(b, 26); ++f) {
+    std::size_t at = Get32(b, 36 + 8 * f);
+    for (std::size_t k = 0; k < Get16(b, 36 + 8 * f + 4); ++k) {
+      out.push_back(at);
+      at += 8 + Get16(b, at + 4);
+    }
+  }
+  return out;
 }
 
 class CollectionPackerConformance : public ::testing::Test {
@@ -550,6 +564,97 @@ TEST_F(CollectionPackerConformance, ADamagedEntryLeavesNoPartOfItself) {
     Refusal("Long.RXS", "dest", "long.txt");
     EXPECT_EQ(Names(Path("dest")), (std::set<std::string>{"long.txt"}));
     EXPECT_EQ(Bytes(Path("dest/long.txt")), "what was there before");
+  }
+}
+
+TEST_F(CollectionPackerConformance, DataBlocksWithoutChecksumsUnpack) {
+  // A checksum field of 0 says that the writer gave no checksum: the blocks are read as they are.
+  const std::string text = Text(4000);
+  const std::string photo = RandomBytes(90000, 12);
+  Put(Path("words.txt"), text);
+  Put(Path("photo.jpg"), photo);
+  Pack("Sums.RXS", {"words.txt", "photo.jpg"});
+  std::string bytes = *Bytes(Path("Sums.RXS"));
+  const std::vector<std::size_t> blocks = BlockOffsets(bytes);
+  ASSERT_GT(blocks.size(), 4u);
+  for (const std::size_t at : blocks) {
+    ASSERT_NE(Get32(bytes, at), 0u) << "the packer writes checksums";
+    Set32(bytes, at, 0);
+  }
+  Put(Path("Unsummed.RXS"), bytes);
+  NewPacker()->UnpackFiles(Path("Unsummed.RXS"), Path("all"), "");
+  EXPECT_EQ(Names(Path("all")), (std::set<std::string>{"photo.jpg", "words.txt"}));
+  EXPECT_EQ(Bytes(Path("all/words.txt")), text);
+  EXPECT_EQ(Bytes(Path("all/photo.jpg")), photo);
+  NewPacker()->UnpackFiles(Path("Unsummed.RXS"), Path("one"), "words.txt");
+  EXPECT_EQ(Names(Path("one")), (std::set<std::string>{"words.txt"}));
+  EXPECT_EQ(Bytes(Path("one/words.txt")), text);
+
+  // Some blocks with checksums and some without, and a new entry added to such an archive.
+  std::string mixed = *Bytes(Path("Sums.RXS"));
+  for (std::size_t k = 0; k < blocks.size(); k += 2) Set32(mixed, blocks[k], 0);
+  Put(Path("Mixed.RXS"), mixed);
+  Put(Path("more.txt"), "more");
+  Pack("Mixed.RXS", {"more.txt"});
+  NewPacker()->UnpackFiles(Path("Mixed.RXS"), Path("mixed"), "");
+  EXPECT_EQ(Names(Path("mixed")), (std::set<std::string>{"more.txt", "photo.jpg", "words.txt"}));
+  EXPECT_EQ(Bytes(Path("mixed/words.txt")), text);
+  EXPECT_EQ(Bytes(Path("mixed/photo.jpg")), photo);
+  EXPECT_EQ(Bytes(Path("mixed/more.txt")), "more");
+
+  // A checksum that is there and wrong is still refused, beside blocks that have none.
+  std::string wrong = bytes;
+  Set32(wrong, blocks[1], 0x12345678u);
+  Put(Path("Wrong.RXS"), wrong);
+  EXPECT_NE(Refusal("Wrong.RXS", "wrong", "").find("checksum"), std::string::npos);
+}
+
+TEST_F(CollectionPackerConformance, AnEntryNameOf255BytesUnpacks) {
+  // The longest name a file may have; the entry is written under a scratch name first, which
+  // must not be longer than the entry's own.
+  const std::string name = std::string(251, 'n') + ".txt";
+  ASSERT_EQ(name.size(), 255u);
+  const std::string data = Text(50);
+  Put(Path("Long.RXS"), BuildCabinet({{"short.txt", "short"}, {name, data}}));
+  NewPacker()->UnpackFiles(Path("Long.RXS"), Path("all"), "");
+  EXPECT_EQ(Names(Path("all")), (std::set<std::string>{"short.txt", name}));
+  EXPECT_EQ(Bytes(Path("all/" + name)), data);
+  NewPacker()->UnpackFiles(Path("Long.RXS"), Path("one"), name);
+  EXPECT_EQ(Names(Path("one")), (std::set<std::string>{name}));
+  EXPECT_EQ(Bytes(Path("one/" + name)), data);
+  // One byte longer is no file name.
+  Put(Path("Longer.RXS"), BuildCabinet({{"n" + name, data}}));
+  EXPECT_NE(Refusal("Longer.RXS", "longer", "").find("255 bytes"), std::string::npos);
+}
+
+TEST_F(CollectionPackerConformance, NamesThatAreNoUtf8AreRefusedThoughTheySayTheyAre) {
+  // Names marked as UTF-8 that aren't: a slash or a point written with more bytes than it needs,
+  // half of a UTF-16 pair, a sequence cut short, a lone continuation byte, a byte UTF-8 never has.
+  for (const std::string& name :
+       {std::string("a\xC0\xAF" "b.txt"), std::string("\xE0\x80\xAF" "b.txt"),
+        std::string("\xC0\xAE\xC0\xAE"), std::string("\xC1\x81.txt"),
+        std::string("\xE0\x80\xAE.txt"), std::string("\xED\xA0\x80.txt"),
+        std::string("x\xE2\x82"), std::string("\x80x.txt"), std::string("\xFFx.txt"),
+        std::string("\xF8\x88\x80\x80\x80.txt")}) {
+    SCOPED_TRACE(::testing::PrintToString(name));
+    Put(Path("Bad.RXS"), BuildCabinet({{"good.txt", "good"}, {name, "bad", 0xA0}}));
+    const auto before = Listing(root_);
+    // Every entry, and the one entry asked for by its bytes as they stand.
+    for (const std::string& entry : {std::string(), name}) {
+      try {
+        NewPacker()->UnpackFiles(Path("Bad.RXS"), Path("dest"), entry);
+        ADD_FAILURE() << "no refusal";
+      } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Number(), FailureNumber::BadFileNameOrNumber);
+        EXPECT_NE(std::string(failure.what()).find("can't be written in this system's code page"),
+                  std::string::npos)
+            << failure.what();
+      }
+    }
+    EXPECT_EQ(Listing(root_), before);
+    NewPacker()->UnpackFiles(Path("Bad.RXS"), Path("dest"), "good.txt");
+    EXPECT_EQ(Names(Path("dest")), (std::set<std::string>{"good.txt"}));
+    fs::remove_all(Path("dest"));
   }
 }
 

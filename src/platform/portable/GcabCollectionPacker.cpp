@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -137,15 +138,18 @@ std::optional<std::string> Utf8ToWindows1252(const std::string& text) {
     const auto c = static_cast<unsigned char>(text[i]);
     char32_t cp = 0;
     std::size_t length = 0;
+    char32_t least = 0;  // the smallest character a sequence of this length may carry
     if (c < 0x80) {
       cp = c;
       length = 1;
     } else if ((c & 0xE0) == 0xC0) {
       cp = c & 0x1F;
       length = 2;
+      least = 0x80;
     } else if ((c & 0xF0) == 0xE0) {
       cp = c & 0x0F;
       length = 3;
+      least = 0x800;
     } else {
       return std::nullopt;  // beyond the basic plane, or not UTF-8: no place in the code page
     }
@@ -155,6 +159,9 @@ std::optional<std::string> Utf8ToWindows1252(const std::string& text) {
       if ((next & 0xC0) != 0x80) return std::nullopt;
       cp = (cp << 6) | (next & 0x3F);
     }
+    // A character written with more bytes than it needs ("C0 AF" for a slash) is no UTF-8, nor
+    // is half of a UTF-16 pair: both are refused here, before anything reads the name.
+    if (cp < least || (cp >= 0xD800 && cp <= 0xDFFF)) return std::nullopt;
     i += length;
     bool placed = false;
     for (unsigned b = 0; b < 256 && !placed; ++b) {
@@ -303,8 +310,34 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
   auto fail = [&](const std::string& why) {
     Raise(FailureNumber::PathFileAccessError, "Cannot unpack \"" + archive + "\": " + why);
   };
+  // libgcab takes a block's checksum field literally, where 0 stands for "none": the data of an
+  // archive with such blocks is read from a copy that carries each block's own sum, whose data
+  // the layout's walk has read already.
+  std::string source = archive;
+  struct CopyRemover {
+    GcabCollectionPacker* packer;
+    std::string path;
+    ~CopyRemover() {
+      if (!path.empty()) packer->RemoveFile(path);
+    }
+  } copy{this, ""};
+  std::vector<const cabinet::DataBlock*> unsummed;
+  std::vector<bool> walked(layout.folders.size());
+  for (const Target& t : targets) walked[layout.entries[t.entry].folder] = true;
+  for (std::size_t f = 0; f < layout.folders.size(); ++f) {
+    if (!walked[f]) continue;
+    for (const cabinet::DataBlock& block : layout.folders[f].blocks) {
+      if (block.storedChecksum == 0 && block.checksum != 0) unsummed.push_back(&block);
+    }
+  }
+  if (!unsummed.empty()) {
+    copy.path = ScratchName(ScratchFolder());
+    if (auto fault = CopyWithChecksums(archive, copy.path, unsummed)) fail(*fault);
+    source = copy.path;
+  }
+
   GErrorHolder error;
-  GObjectPtr<GFile> file(g_file_new_for_path(HostPath(archive).c_str()));
+  GObjectPtr<GFile> file(g_file_new_for_path(HostPath(source).c_str()));
   GObjectPtr<GFileInputStream> stream(g_file_read(file.get(), nullptr, error.Out()));
   if (!stream) fail(error.Text());
   GObjectPtr<GCabCabinet> cabinet(gcab_cabinet_new());
@@ -347,6 +380,33 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
                                    error.Out())) {
     fail(error.Text());
   }
+}
+
+std::optional<std::string> GcabCollectionPacker::CopyWithChecksums(
+    const std::string& archive, const std::string& copy,
+    const std::vector<const cabinet::DataBlock*>& blocks) {
+  auto in = OpenForReading(archive);
+  if (!in) return "it can't be read: " + LastErrorText();
+  auto out = CreateNew(copy);
+  if (!out) return "no scratch copy of it can be made: " + LastErrorText();
+  std::vector<std::uint8_t> buffer(1u << 20);
+  const std::uint64_t size = in->Size();
+  for (std::uint64_t at = 0; at < size;) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size - at));
+    if (!in->ReadAt(at, buffer.data(), count)) return "it can't be read: " + LastErrorText();
+    if (!out->WriteAt(at, buffer.data(), count)) return "its scratch copy can't be written: " + LastErrorText();
+    at += count;
+  }
+  for (const cabinet::DataBlock* block : blocks) {
+    const std::uint8_t sum[4] = {static_cast<std::uint8_t>(block->checksum & 0xFFu),
+                                 static_cast<std::uint8_t>((block->checksum >> 8) & 0xFFu),
+                                 static_cast<std::uint8_t>((block->checksum >> 16) & 0xFFu),
+                                 static_cast<std::uint8_t>(block->checksum >> 24)};
+    if (!out->WriteAt(block->offset, sum, sizeof sum)) {
+      return "its scratch copy can't be written: " + LastErrorText();
+    }
+  }
+  return std::nullopt;
 }
 
 std::unique_ptr<CollectionPacker> GcabCollectionPackers::Create() {

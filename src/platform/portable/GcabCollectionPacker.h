@@ -39,6 +39,11 @@ class GcabCollectionPacker final : public CabinetPacker {
               const std::vector<Target>& targets) override;
 
  private:
+  // A copy of the archive whose given blocks carry their own sums in place of the zeros they
+  // hold. Returns what went wrong, or nothing.
+  std::optional<std::string> CopyWithChecksums(const std::string& archive, const std::string& copy,
+                                               const std::vector<const cabinet::DataBlock*>& blocks);
+
   PortableFileSystem files_;
   int lastError_ = 0;
 };
