@@ -281,6 +281,70 @@ inline std::string PngFile(std::int32_t width, std::int32_t height,
          PngChunk("IEND", "");
 }
 
+// A PNG of 16 bits a sample: `channels` samples a pixel (1 grey, 2 grey and alpha, 3 RGB, 4 RGBA),
+// row by row from the top; Adam7-interlaced when asked, with a gamma chunk when `gamma` (in
+// hundred-thousandths) is not 0.
+inline std::string SixteenBitPngFile(std::int32_t width, std::int32_t height, int channels,
+                                     const std::vector<std::uint16_t>& samples,
+                                     bool interlaced = false, std::uint32_t gamma = 0) {
+  const auto w = static_cast<std::size_t>(width);
+  const auto h = static_cast<std::size_t>(height);
+  const auto n = static_cast<std::size_t>(channels);
+  // Each pass's rows, each row with its filter byte (none); one pass of everything when plain.
+  struct Pass {
+    std::size_t x0, y0, dx, dy;
+  };
+  const std::vector<Pass> passes =
+      interlaced ? std::vector<Pass>{{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                     {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}}
+                 : std::vector<Pass>{{0, 0, 1, 1}};
+  std::string raw;
+  for (const Pass& pass : passes) {
+    if (pass.x0 >= w || pass.y0 >= h) continue;
+    for (std::size_t y = pass.y0; y < h; y += pass.dy) {
+      raw.push_back(0);
+      for (std::size_t x = pass.x0; x < w; x += pass.dx) {
+        for (std::size_t c = 0; c < n; ++c) {
+          const std::uint16_t v = samples[(y * w + x) * n + c];
+          raw.push_back(static_cast<char>(v >> 8));
+          raw.push_back(static_cast<char>(v & 0xFFu));
+        }
+      }
+    }
+  }
+  std::string zlib("\x78\x01", 2);
+  for (std::size_t at = 0; at == 0 || at < raw.size(); at += 65535) {
+    const std::string block = raw.substr(at, 65535);
+    zlib.push_back(at + block.size() >= raw.size() ? 1 : 0);
+    Put16(zlib, static_cast<std::uint32_t>(block.size()));
+    Put16(zlib, static_cast<std::uint32_t>(~block.size() & 0xFFFFu));
+    zlib += block;
+  }
+  std::uint32_t a = 1;
+  std::uint32_t b = 0;
+  for (char ch : raw) {
+    a = (a + static_cast<std::uint8_t>(ch)) % 65521u;
+    b = (b + a) % 65521u;
+  }
+  PutBig32(zlib, (b << 16) | a);
+  static const char kColourType[] = {0, 0, 4, 2, 6};
+  std::string header;
+  PutBig32(header, static_cast<std::uint32_t>(width));
+  PutBig32(header, static_cast<std::uint32_t>(height));
+  header.push_back(16);
+  header.push_back(kColourType[n]);
+  header.push_back(0);
+  header.push_back(0);
+  header.push_back(interlaced ? 1 : 0);
+  std::string out = std::string("\x89PNG\r\n\x1A\n", 8) + PngChunk("IHDR", header);
+  if (gamma != 0) {
+    std::string g;
+    PutBig32(g, gamma);
+    out += PngChunk("gAMA", g);
+  }
+  return out + PngChunk("IDAT", zlib) + PngChunk("IEND", "");
+}
+
 // An icon file whose entries hold the given data (bitmaps or PNG files) as they are.
 inline std::string IconFileOf(const std::vector<std::string>& images,
                               const std::vector<std::array<std::uint8_t, 2>>& sizes,

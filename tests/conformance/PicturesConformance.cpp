@@ -246,6 +246,81 @@ TEST_F(PicturesConformance, APngGivesItsPixels) {
   ExpectColours(Load("seven.png", pf::PngFile(7, 5, colours)), 7, 5, colours);
 }
 
+// 16-bit samples that are exactly an 8-bit level (the level times 257), so that scaling them
+// to 8 bits, by rounding or by their high byte, gives the level itself.
+std::vector<std::uint32_t> Levels(std::int32_t width, std::int32_t height) {
+  std::vector<std::uint32_t> colours;
+  for (std::int32_t i = 0; i < width * height; ++i) {
+    const auto u = static_cast<std::uint32_t>(i);
+    colours.push_back((((u * 37u + 16u) & 0xFFu) << 16) | (((u * 91u + 64u) & 0xFFu) << 8) |
+                      ((u * 53u + 200u) & 0xFFu));
+  }
+  return colours;
+}
+
+std::vector<std::uint16_t> Samples16(const std::vector<std::uint32_t>& colours) {
+  std::vector<std::uint16_t> samples;
+  for (const std::uint32_t c : colours) {
+    for (const int shift : {16, 8, 0}) samples.push_back(static_cast<std::uint16_t>(((c >> shift) & 0xFFu) * 257u));
+  }
+  return samples;
+}
+
+TEST_F(PicturesConformance, ASixteenBitPngWithoutGammaIsSrgbNotLinearLight) {
+  // Taken for linear light, a quarter level (0x40) would show as 0x89: far too bright.
+  const std::vector<std::uint32_t> colours = Levels(5, 3);
+  ExpectColours(Load("deep.png", pf::SixteenBitPngFile(5, 3, 3, Samples16(colours))), 5, 3, colours);
+  const std::vector<std::uint32_t> quarter(4, 0x404040);
+  ExpectColours(Load("quarter.png", pf::SixteenBitPngFile(2, 2, 3, Samples16(quarter))), 2, 2, quarter);
+
+  // Grey, and grey with alpha (opaque here).
+  std::vector<std::uint16_t> grey;
+  std::vector<std::uint16_t> greyAlpha;
+  std::vector<std::uint32_t> greys;
+  for (std::uint32_t i = 0; i < 12; ++i) {
+    const std::uint32_t level = (i * 23u + 5u) & 0xFFu;
+    grey.push_back(static_cast<std::uint16_t>(level * 257u));
+    greyAlpha.push_back(static_cast<std::uint16_t>(level * 257u));
+    greyAlpha.push_back(0xFFFF);
+    greys.push_back(level * 0x010101u);
+  }
+  ExpectColours(Load("grey.png", pf::SixteenBitPngFile(4, 3, 1, grey)), 4, 3, greys);
+  ExpectColours(Load("greyalpha.png", pf::SixteenBitPngFile(4, 3, 2, greyAlpha)), 4, 3, greys);
+}
+
+TEST_F(PicturesConformance, AnInterlacedSixteenBitPngGivesTheSamePixelsAsAPlainOne) {
+  // Sizes that leave some of the seven passes short or empty.
+  for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
+           {13, 11}, {1, 1}, {3, 2}, {9, 1}, {1, 9}}) {
+    SCOPED_TRACE(::testing::Message() << width << "x" << height);
+    const std::vector<std::uint32_t> colours = Levels(width, height);
+    const std::vector<std::uint16_t> samples = Samples16(colours);
+    ExpectColours(Load("plain.png", pf::SixteenBitPngFile(width, height, 3, samples)), width, height,
+                  colours);
+    ExpectColours(Load("interlaced.png", pf::SixteenBitPngFile(width, height, 3, samples, true)),
+                  width, height, colours);
+  }
+  // With alpha: the transparent pixels are transparent, the others keep their colour.
+  const std::vector<std::uint32_t> colours = Levels(10, 7);
+  std::vector<std::uint16_t> samples;
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    for (const int shift : {16, 8, 0}) {
+      samples.push_back(static_cast<std::uint16_t>(((colours[i] >> shift) & 0xFFu) * 257u));
+    }
+    samples.push_back(i % 3 == 0 ? 0 : 0xFFFF);
+  }
+  const Pixels p = Load("alpha.png", pf::SixteenBitPngFile(10, 7, 4, samples, true));
+  ASSERT_EQ(p.width, 10);
+  ASSERT_EQ(p.height, 7);
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    if (i % 3 == 0) {
+      EXPECT_EQ(p.bgra[i] >> 24, 0u) << "pixel " << i;
+    } else {
+      EXPECT_EQ(p.bgra[i], kOpaque | colours[i]) << "pixel " << i;
+    }
+  }
+}
+
 TEST_F(PicturesConformance, APngsTransparentPixelsAreTransparentAndTheOthersKeepTheirColour) {
   const std::vector<std::uint32_t> colours(6 * 4, 0x2080C0);
   std::vector<std::uint8_t> alpha(colours.size(), 0xFF);
