@@ -57,6 +57,50 @@ inline std::string BitmapWithData(std::int32_t width, std::int32_t height, std::
   return out + data;
 }
 
+// A bitmap whose header has `headerSize` bytes (12 for the core header, 40 or more for the info
+// header and those that begin as it does): the first 40 bytes as the info header has them, then
+// the masks of bit fields (`masks`, which lie inside a header of 52 bytes or more and after one
+// of 40), zeros up to the header's size, the palette (three bytes an entry after a core header,
+// four after any other) and `data`. The file header's offset of the pixels counts all of it.
+inline std::string BitmapWithHeader(std::uint32_t headerSize, std::int32_t width, std::int32_t height,
+                                    std::uint16_t bitCount, std::uint32_t compression,
+                                    const std::vector<std::uint32_t>& palette,
+                                    const std::vector<std::uint32_t>& masks, const std::string& data) {
+  std::string header;
+  Put32(header, headerSize);
+  if (headerSize == 12) {
+    Put16(header, static_cast<std::uint32_t>(width));
+    Put16(header, static_cast<std::uint32_t>(height));
+    Put16(header, 1);
+    Put16(header, bitCount);
+  } else {
+    Put32(header, static_cast<std::uint32_t>(width));
+    Put32(header, static_cast<std::uint32_t>(height));
+    Put16(header, 1);
+    Put16(header, bitCount);
+    Put32(header, compression);
+    Put32(header, static_cast<std::uint32_t>(data.size()));
+    Put32(header, 2835);
+    Put32(header, 2835);
+    Put32(header, static_cast<std::uint32_t>(palette.size()));
+    Put32(header, 0);
+    for (const std::uint32_t m : masks) Put32(header, m);
+    if (header.size() < headerSize) header.resize(headerSize, '\0');
+  }
+  for (const std::uint32_t c : palette) {
+    header.push_back(static_cast<char>(c & 0xFFu));
+    header.push_back(static_cast<char>((c >> 8) & 0xFFu));
+    header.push_back(static_cast<char>((c >> 16) & 0xFFu));
+    if (headerSize != 12) header.push_back(0);
+  }
+  const auto offset = static_cast<std::uint32_t>(14 + header.size());
+  std::string out = "BM";
+  Put32(out, offset + static_cast<std::uint32_t>(data.size()));
+  Put32(out, 0);
+  Put32(out, offset);
+  return out + header + data;
+}
+
 // An uncompressed bitmap; a negative height stores the rows top-down.
 inline std::string BitmapFile(std::int32_t width, std::int32_t height, std::uint16_t bitCount,
                               const std::vector<std::uint32_t>& pixels,

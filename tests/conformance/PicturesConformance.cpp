@@ -173,6 +173,96 @@ TEST_F(PicturesConformance, RunLengthBitmapsOf8And4BitsUnpackRunsAndAbsoluteStre
   ExpectColours(Load("runs4.bmp", rle4), width, height, colours);
 }
 
+// Which bitmaps load, and how, is what the platform's loader decides.
+
+// Rows of 8-bit palette indices, bottom-up, padded to whole words.
+std::string IndexRows(std::int32_t width, std::int32_t height, const std::vector<std::uint32_t>& indices) {
+  std::string data;
+  const auto stride = (static_cast<std::size_t>(width) + 3) / 4 * 4;
+  for (std::int32_t r = height - 1; r >= 0; --r) {
+    std::string row(stride, '\0');
+    for (std::int32_t x = 0; x < width; ++x) {
+      row[static_cast<std::size_t>(x)] = static_cast<char>(indices[static_cast<std::size_t>(r * width + x)]);
+    }
+    data += row;
+  }
+  return data;
+}
+
+TEST_F(PicturesConformance, EveryHeaderOfFortyBytesOrMoreReadsAsAnInfoHeader) {
+  // The core header of 12 bytes, the info header and the later ones of 52, 56, 108 and 124
+  // bytes, and the 64 bytes of OS/2 2.x: the same palette picture from each.
+  const std::vector<std::uint32_t> palette = {0x102030, 0xF0E0D0, 0x00FF00, 0x123456, 0xABCDEF};
+  std::vector<std::uint32_t> indices;
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i = 0; i < 7 * 3; ++i) {
+    indices.push_back((i * 3 + 1) % 5);
+    colours.push_back(palette[indices.back()]);
+  }
+  const std::string data = IndexRows(7, 3, indices);
+  for (const std::uint32_t size : {12u, 40u, 52u, 56u, 64u, 108u, 124u, 200u}) {
+    SCOPED_TRACE(size);
+    std::vector<std::uint32_t> full = palette;
+    if (size == 12) full.resize(256, 0);  // a core header's palette is always whole
+    ExpectColours(Load("header.bmp", pf::BitmapWithHeader(size, 7, 3, 8, 0, full, {}, data)), 7, 3,
+                  colours);
+  }
+  // Headers shorter than 40 bytes, other than the core header's 12, are none the loader knows:
+  // OS/2 2.x allows 16 of its 64 bytes.
+  for (const std::uint32_t size : {16u, 24u, 39u}) {
+    SCOPED_TRACE(size);
+    std::string file = pf::BitmapWithHeader(40, 7, 3, 8, 0, palette, {}, data);
+    file[14] = static_cast<char>(size);
+    EXPECT_EQ(LoadFailure(Write("short.bmp", file)), 481);
+  }
+}
+
+TEST_F(PicturesConformance, BitFieldsWidenAsThePlatformWidensThem) {
+  // Each field's bits on top, then the field once more below them: 1 bit set gives 0xC0, 2 bits
+  // 0xF0, the 3 bits 101 give 0xB4, the 5 bits 00011 give 0x18; 8 bits or more give their top 8.
+  std::string data;
+  const auto pixel16 = [&](std::uint32_t v) { pf::Put16(data, v); };
+  // Red 2 bits, green 3 bits, blue 1 bit, at the top of the 16.
+  pixel16((3u << 14) | (7u << 11) | (1u << 10));
+  pixel16((2u << 14) | (5u << 11));
+  pixel16((1u << 14) | (2u << 11) | (1u << 10));
+  pixel16(0);  // padding of the row
+  ExpectColours(Load("fields231.bmp", pf::BitmapWithHeader(40, 3, 1, 16, 3, {}, {0xC000, 0x3800, 0x0400}, data)),
+                3, 1, {0xF0FCC0, 0xA0B400, 0x5048C0});
+  data.clear();
+  // 5-6-5.
+  pixel16((3u << 11) | (1u << 5) | 20u);
+  pixel16((31u << 11) | (63u << 5) | 31u);
+  ExpectColours(Load("fields565.bmp", pf::BitmapWithHeader(40, 2, 1, 16, 3, {}, {0xF800, 0x07E0, 0x001F}, data)),
+                2, 1, {0x1804A5, 0xFFFFFF});
+  data.clear();
+  // 32 bits: 10-10-10, and a field of 6 bits.
+  pf::Put32(data, (0x3FFu << 20) | (0x155u << 10) | 0x0FFu);
+  pf::Put32(data, (0x2Au << 26) | (0x3FFFu << 12) | 0x3u);
+  ExpectColours(Load("fields32.bmp", pf::BitmapWithHeader(40, 1, 2, 32, 3, {}, {0x3FF00000, 0x000FFC00, 0x000003FF}, data.substr(0, 4) + data.substr(0, 4))),
+                1, 2, {0xFF553F, 0xFF553F});
+  ExpectColours(Load("fields6.bmp", pf::BitmapWithHeader(108, 1, 1, 32, 3, {}, {0xFC000000, 0x03FFF000, 0x00000003}, data.substr(4, 4))),
+                1, 1, {0xAAFFF0});
+}
+
+TEST_F(PicturesConformance, BitmapsThePlatformDoesNotLoadAreInvalidPictures) {
+  const std::string rows(16, '\x5A');
+  // Two bits a pixel.
+  EXPECT_EQ(LoadFailure(Write("two.bmp", pf::BitmapWithHeader(40, 4, 2, 2, 0, {0, 0x555555, 0xAAAAAA, 0xFFFFFF}, {}, rows))), 481);
+  // Sixty-four bits a pixel.
+  EXPECT_EQ(LoadFailure(Write("wide.bmp", pf::BitmapWithHeader(40, 2, 2, 64, 0, {}, {}, std::string(32, '\x40')))), 481);
+  // Masks of four colours, alpha among them.
+  EXPECT_EQ(LoadFailure(Write("alpha.bmp", pf::BitmapWithHeader(40, 2, 2, 32, 6, {}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, rows))), 481);
+  EXPECT_EQ(LoadFailure(Write("alpha5.bmp", pf::BitmapWithHeader(124, 2, 2, 32, 6, {}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, rows))), 481);
+  // A JPEG or a PNG inside, and run-length coding of 24 bits.
+  EXPECT_EQ(LoadFailure(Write("jpeg.bmp", pf::BitmapWithHeader(40, 2, 2, 24, 4, {}, {}, ReadBytes(DataFile("quadrants.jpg"))))), 481);
+  EXPECT_EQ(LoadFailure(Write("png.bmp", pf::BitmapWithHeader(40, 3, 2, 24, 5, {}, {}, pf::PngFile(3, 2, kSix)))), 481);
+  EXPECT_EQ(LoadFailure(Write("rle24.bmp", pf::BitmapWithHeader(64, 2, 2, 24, 4, {}, {}, rows))), 481);
+  // The same picture as it is loadable, so that the refusals above are for what they show.
+  ExpectColours(Load("plain.bmp", pf::BitmapWithHeader(40, 2, 2, 32, 0, {}, {}, std::string(16, '\0'))), 2, 2,
+                {0, 0, 0, 0});
+}
+
 // --- GIF --------------------------------------------------------------------------------------
 
 TEST_F(PicturesConformance, AGifGivesItsFrameInItsColours) {
