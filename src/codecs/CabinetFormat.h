@@ -39,11 +39,13 @@ struct DataBlock {
   std::uint64_t offset = 0;     // of the block's header
   std::uint32_t length = 0;     // header and data
   std::uint32_t expanded = 0;   // bytes the block expands to
-  // What the block's checksum field holds; 0 when its writer gave none.
-  std::uint32_t storedChecksum = 0;
-  // The block's checksum as its bytes give it: the stored one, unless that is 0.
-  std::uint32_t checksum = 0;
+  std::uint32_t checksum = 0;   // as the block's header holds it; 0 when its writer gave none
 };
+
+// The checksum of data blocks over `n` bytes, from `seed`: the bytes taken four at a time as
+// little-endian words and combined by exclusive or, the one to three left over in their own
+// order. A block's checksum is that of its data, then from there of the two sizes in its header.
+std::uint32_t Checksum(const std::uint8_t* p, std::size_t n, std::uint32_t seed);
 
 struct Folder {
   std::uint32_t dataOffset = 0;

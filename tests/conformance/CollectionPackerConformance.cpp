@@ -149,11 +149,16 @@ struct Member {
   std::uint16_t attributes = 0x20;  // archive; 0x80 added says the name is UTF-8
 };
 
-std::string BuildCabinet(const std::vector<Member>& members) {
-  std::string b(36, '\0');
+// With `blockReserve`, the header says that every data block carries that many reserved bytes
+// after its own header (filled with a pattern, which the checksum leaves out), and with
+// `noChecksums` every block's checksum field is 0.
+std::string BuildCabinet(const std::vector<Member>& members, std::uint8_t blockReserve = 0,
+                         bool noChecksums = false) {
+  const std::size_t headerSize = blockReserve != 0 ? 40 : 36;
+  std::string b(headerSize, '\0');
   b.replace(0, 4, "MSCF");
   const std::size_t folderCount = members.size();
-  const std::size_t filesAt = 36 + 8 * folderCount;
+  const std::size_t filesAt = headerSize + 8 * folderCount;
   std::size_t dataAt = filesAt;
   for (const Member& m : members) dataAt += 16 + m.name.size() + 1;
   b.resize(dataAt, '\0');
@@ -162,13 +167,18 @@ std::string BuildCabinet(const std::vector<Member>& members) {
   b[25] = 1;
   Set16(b, 26, static_cast<std::uint32_t>(folderCount));
   Set16(b, 28, static_cast<std::uint32_t>(members.size()));
+  if (blockReserve != 0) {
+    Set16(b, 30, 4);  // reserved areas present: none in the header and folders, some in blocks
+    b[39] = static_cast<char>(blockReserve);
+  }
   std::size_t fileAt = filesAt;
   for (std::size_t i = 0; i < members.size(); ++i) {
     const Member& m = members[i];
     const std::size_t blocks = (m.data.size() + 32767) / 32768;
-    Set32(b, 36 + 8 * i, static_cast<std::uint32_t>(b.size()));
-    Set16(b, 36 + 8 * i + 4, static_cast<std::uint32_t>(blocks));
-    Set16(b, 36 + 8 * i + 6, 0);
+    const std::size_t folderAt = headerSize + 8 * i;
+    Set32(b, folderAt, static_cast<std::uint32_t>(b.size()));
+    Set16(b, folderAt + 4, static_cast<std::uint32_t>(blocks));
+    Set16(b, folderAt + 6, 0);
     Set32(b, fileAt, static_cast<std::uint32_t>(m.data.size()));
     Set16(b, fileAt + 8, static_cast<std::uint32_t>(i));
     Set16(b, fileAt + 10, (45u << 9) | (6u << 5) | 15u);  // 15 June 2025
@@ -182,8 +192,10 @@ std::string BuildCabinet(const std::vector<Member>& members) {
       b.append(8, '\0');
       Set16(b, at + 4, static_cast<std::uint32_t>(chunk.size()));
       Set16(b, at + 6, static_cast<std::uint32_t>(chunk.size()));
+      for (std::size_t r = 0; r < blockReserve; ++r) b.push_back(static_cast<char>(0xA5 ^ (r * 29 + k)));
       b += chunk;
-      Set32(b, at, Checksum(b, at + 4, 4, Checksum(b, at + 8, chunk.size(), 0)));
+      const std::size_t dataStart = at + 8 + blockReserve;
+      if (!noChecksums) Set32(b, at, Checksum(b, at + 4, 4, Checksum(b, dataStart, chunk.size(), 0)));
     }
   }
   Set32(b, 8, static_cast<std::uint32_t>(b.size()));
@@ -607,6 +619,28 @@ TEST_F(CollectionPackerConformance, DataBlocksWithoutChecksumsUnpack) {
   Set32(wrong, blocks[1], 0x12345678u);
   Put(Path("Wrong.RXS"), wrong);
   EXPECT_NE(Refusal("Wrong.RXS", "wrong", "").find("checksum"), std::string::npos);
+}
+
+TEST_F(CollectionPackerConformance, DataBlocksWithReservedBytesUnpackWithOrWithoutChecksums) {
+  // The checksum of a block covers its data and its two sizes, not its reserved bytes.
+  const std::string big = RandomBytes(80000, 13);
+  for (const bool noChecksums : {false, true}) {
+    SCOPED_TRACE(noChecksums);
+    const std::string bytes = BuildCabinet({{"big.bin", big}, {"small.txt", "small"}}, 6, noChecksums);
+    Put(Path("Reserve.RXS"), bytes);
+    NewPacker()->UnpackFiles(Path("Reserve.RXS"), Path("out"), "");
+    EXPECT_EQ(Names(Path("out")), (std::set<std::string>{"big.bin", "small.txt"}));
+    EXPECT_EQ(Bytes(Path("out/big.bin")), big);
+    EXPECT_EQ(Bytes(Path("out/small.txt")), "small");
+    fs::remove_all(Path("out"));
+    if (noChecksums) continue;
+    // A byte of data changed: the checksum no longer matches.
+    std::string damaged = bytes;
+    const std::size_t firstBlock = Get32(damaged, 40);
+    damaged[firstBlock + 8 + 6 + 100] = static_cast<char>(damaged[firstBlock + 8 + 6 + 100] ^ 0x10);
+    Put(Path("Damaged.RXS"), damaged);
+    EXPECT_NE(Refusal("Damaged.RXS", "out", "").find("checksum"), std::string::npos);
+  }
 }
 
 TEST_F(CollectionPackerConformance, AnEntryNameOf255BytesUnpacks) {

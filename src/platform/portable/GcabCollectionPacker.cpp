@@ -310,9 +310,9 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
   auto fail = [&](const std::string& why) {
     Raise(FailureNumber::PathFileAccessError, "Cannot unpack \"" + archive + "\": " + why);
   };
-  // libgcab takes a block's checksum field literally, where 0 stands for "none": the data of an
-  // archive with such blocks is read from a copy that carries each block's own sum, whose data
-  // the layout's walk has read already.
+  // libgcab compares a block's checksum field literally, where 0 stands for "none". The blocks
+  // with a checksum have passed the check in the walk of their folders; those without one are
+  // read from a scratch copy of the archive that carries their sums.
   std::string source = archive;
   struct CopyRemover {
     GcabCollectionPacker* packer;
@@ -321,18 +321,30 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
       if (!path.empty()) packer->RemoveFile(path);
     }
   } copy{this, ""};
-  std::vector<const cabinet::DataBlock*> unsummed;
-  std::vector<bool> walked(layout.folders.size());
-  for (const Target& t : targets) walked[layout.entries[t.entry].folder] = true;
-  for (std::size_t f = 0; f < layout.folders.size(); ++f) {
-    if (!walked[f]) continue;
-    for (const cabinet::DataBlock& block : layout.folders[f].blocks) {
-      if (block.storedChecksum == 0 && block.checksum != 0) unsummed.push_back(&block);
+  std::vector<bool> chosen(layout.folders.size());
+  for (const Target& t : targets) chosen[layout.entries[t.entry].folder] = true;
+  std::vector<std::pair<std::uint64_t, std::uint32_t>> sums;  // where a block begins, its sum
+  {
+    auto file = OpenForReading(archive);
+    if (!file) fail("it can't be read: " + LastErrorText());
+    std::vector<std::uint8_t> block;
+    for (std::size_t f = 0; f < layout.folders.size(); ++f) {
+      const cabinet::Folder& folder = layout.folders[f];
+      if (!chosen[f]) continue;
+      for (const cabinet::DataBlock& b : folder.blocks) {
+        if (b.checksum != 0) continue;
+        block.resize(b.length);
+        if (!file->ReadAt(b.offset, block.data(), block.size())) fail("it can't be read: " + LastErrorText());
+        const std::size_t header = 8u + folder.blockReserve;
+        const std::uint32_t sum =
+            cabinet::Checksum(block.data() + 4, 4, cabinet::Checksum(block.data() + header, b.length - header, 0));
+        if (sum != 0) sums.emplace_back(b.offset, sum);
+      }
     }
   }
-  if (!unsummed.empty()) {
+  if (!sums.empty()) {
     copy.path = ScratchName(ScratchFolder());
-    if (auto fault = CopyWithChecksums(archive, copy.path, unsummed)) fail(*fault);
+    if (auto fault = CopyWithChecksums(archive, copy.path, sums)) fail(*fault);
     source = copy.path;
   }
 
@@ -384,7 +396,7 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
 
 std::optional<std::string> GcabCollectionPacker::CopyWithChecksums(
     const std::string& archive, const std::string& copy,
-    const std::vector<const cabinet::DataBlock*>& blocks) {
+    const std::vector<std::pair<std::uint64_t, std::uint32_t>>& sums) {
   auto in = OpenForReading(archive);
   if (!in) return "it can't be read: " + LastErrorText();
   auto out = CreateNew(copy);
@@ -397,14 +409,10 @@ std::optional<std::string> GcabCollectionPacker::CopyWithChecksums(
     if (!out->WriteAt(at, buffer.data(), count)) return "its scratch copy can't be written: " + LastErrorText();
     at += count;
   }
-  for (const cabinet::DataBlock* block : blocks) {
-    const std::uint8_t sum[4] = {static_cast<std::uint8_t>(block->checksum & 0xFFu),
-                                 static_cast<std::uint8_t>((block->checksum >> 8) & 0xFFu),
-                                 static_cast<std::uint8_t>((block->checksum >> 16) & 0xFFu),
-                                 static_cast<std::uint8_t>(block->checksum >> 24)};
-    if (!out->WriteAt(block->offset, sum, sizeof sum)) {
-      return "its scratch copy can't be written: " + LastErrorText();
-    }
+  for (const auto& [offset, sum] : sums) {
+    const std::uint8_t bytes[4] = {static_cast<std::uint8_t>(sum & 0xFFu), static_cast<std::uint8_t>((sum >> 8) & 0xFFu),
+                                   static_cast<std::uint8_t>((sum >> 16) & 0xFFu), static_cast<std::uint8_t>(sum >> 24)};
+    if (!out->WriteAt(offset, bytes, sizeof bytes)) return "its scratch copy can't be written: " + LastErrorText();
   }
   return std::nullopt;
 }
