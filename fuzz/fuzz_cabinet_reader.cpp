@@ -128,6 +128,20 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
     packer.Release();
   }
   seeds.push_back(ReadWhole((folder / "one.RXS").string()));
+  // The same with no checksums: every block's field 0.
+  {
+    std::string unsummed = seeds.back();
+    const auto at16 = [&](std::size_t at) {
+      return static_cast<std::size_t>(static_cast<unsigned char>(unsummed[at]) |
+                                      (static_cast<unsigned char>(unsummed[at + 1]) << 8));
+    };
+    std::size_t block = at16(36) | (at16(38) << 16);
+    for (std::size_t k = 0; k < at16(40) && block + 8 <= unsummed.size(); ++k) {
+      for (std::size_t b = 0; b < 4; ++b) unsummed[block + b] = '\0';
+      block += 8 + at16(block + 4);
+    }
+    seeds.push_back(unsummed);
+  }
   {
     quorvane::platform::portable::GcabCollectionPacker packer;
     packer.PackFile(put("a.txt", "short"), (folder / "three.RXS").string(), 0, "", true);

@@ -86,6 +86,18 @@ std::vector<std::string> QuorvaneFuzzSeeds() {
       IcoBytes({masked, SolidImage(8, 32, 0x80FF0000)}),
       pf::IconFileOf({pf::PngFile(9, 5, colours)}, {{{9, 5}}}, 2),
   };
+  // 16-bit PNGs, plain and interlaced, with and without alpha and gamma; headers of OS/2 2.x
+  // and of the later Windows kinds, and narrow bit fields.
+  std::vector<std::uint16_t> deep;
+  for (std::size_t i = 0; i < colours.size() * 4; ++i) deep.push_back(static_cast<std::uint16_t>(i * 0x1357u));
+  seeds.push_back(pf::SixteenBitPngFile(9, 5, 3, deep));
+  seeds.push_back(pf::SixteenBitPngFile(9, 5, 4, deep, true));
+  seeds.push_back(pf::SixteenBitPngFile(9, 5, 2, deep, true, 100000));
+  std::string rows;
+  for (std::uint32_t i : indices) rows.push_back(static_cast<char>(i));
+  seeds.push_back(pf::BitmapWithHeader(64, 9, 5, 8, 0, palette, {}, rows));
+  seeds.push_back(pf::BitmapWithHeader(124, 9, 5, 8, 0, palette, {}, rows));
+  seeds.push_back(pf::BitmapWithHeader(40, 9, 5, 16, 3, {}, {0xC000, 0x3800, 0x0400}, rows + rows));
   for (const char* name : {"quadrants.jpg", "quadrants-progressive.jpg"}) {
     std::string jpeg = JpegSeed(name);
     if (!jpeg.empty()) seeds.push_back(std::move(jpeg));

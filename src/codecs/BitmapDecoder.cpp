@@ -54,8 +54,10 @@ std::optional<DibHeader> ReadHeader(Bytes bytes, std::size_t at, bool icon) {
     if (h.bitCount != 1 && h.bitCount != 4 && h.bitCount != 8 && h.bitCount != 24) {
       return std::nullopt;
     }
-  } else if (size == 40 || size == 52 || size == 56 || size == 108 || size == 124 ||
-             (icon && size > 40 && size <= 124)) {
+  } else if ((!icon && size >= 40) || (icon && size >= 40 && size <= 124)) {
+    // Any header of 40 bytes or more begins as the info header does, and is read as one: the
+    // later Windows headers, and the 64-byte one of OS/2 2.x, whose fields beyond the 40 bytes
+    // change nothing of the pixels. The platform's loader reads them all so.
     if (!Has(bytes, at, size)) return std::nullopt;
     h.width = static_cast<std::int32_t>(Read32(bytes, at + 4));
     const auto height = static_cast<std::int32_t>(Read32(bytes, at + 8));
@@ -86,7 +88,9 @@ std::optional<DibHeader> ReadHeader(Bytes bytes, std::size_t at, bool icon) {
       if (h.compression == kRgb) {
         h.masks = h.bitCount == 16 ? std::array<std::uint32_t, 4>{0x7C00u, 0x03E0u, 0x001Fu, 0}
                                    : std::array<std::uint32_t, 4>{0xFF0000u, 0xFF00u, 0xFFu, 0};
-      } else if (h.compression == kBitFields || h.compression == kAlphaBitFields) {
+      } else if (h.compression == kBitFields || (icon && h.compression == kAlphaBitFields)) {
+        // A bitmap file with masks of four colours (alpha too) is refused, as the platform's
+        // loader refuses it.
         const std::size_t count = h.compression == kBitFields ? 3 : 4;
         // A 40-byte header is followed by its masks; later headers hold them.
         const std::size_t masksAt = at + 40;
@@ -127,14 +131,18 @@ std::uint64_t Stride(std::int64_t width, std::uint16_t bitCount) {
   return ((static_cast<std::uint64_t>(width) * bitCount + 31) / 32) * 4;
 }
 
+// A channel of a pixel under its mask, as 8 bits the way the platform widens it: the field's
+// bits on top, then the field once more below them (5 bits abcde give abcdeabc); a field of
+// more than 8 bits gives its top 8. So a field of 1 or 2 bits all set gives 0xC0 or 0xF0, not
+// 0xFF.
 std::uint32_t Channel(std::uint32_t value, std::uint32_t mask) {
   if (mask == 0) return 0;
   const int shift = std::countr_zero(mask);
-  const std::uint32_t bits = std::min(32, std::popcount(mask >> shift));
+  const auto bits = static_cast<std::uint32_t>(std::popcount(mask >> shift));
   const std::uint32_t v = (value & mask) >> shift;
   if (bits >= 8) return (v >> (bits - 8)) & 0xFFu;
-  const std::uint32_t top = (std::uint32_t{1} << bits) - 1;
-  return (v * 255u + top / 2) / top;
+  const std::uint32_t top = (v << (8 - bits)) & 0xFFu;
+  return top | (top >> bits);
 }
 
 Pixels Blank(const DibHeader& h) {

@@ -42,6 +42,25 @@ std::string Shown(const std::string& name) {
   return "\"" + out + "\"";
 }
 
+std::string Number(std::uint64_t n) { return std::to_string(n); }
+
+const char* MethodName(std::uint16_t method) {
+  switch (method) {
+    case 2: return "Quantum";
+    case 3: return "LZX";
+    default: return "an unknown method";
+  }
+}
+
+char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
+
+std::string UpperCase(std::string text) {
+  for (char& c : text) c = Upper(c);
+  return text;
+}
+
+}  // namespace
+
 // The checksum of cabinet data blocks: the bytes taken four at a time as little-endian words and
 // combined by exclusive or, the one to three left over taken in their own order.
 std::uint32_t Checksum(const std::uint8_t* p, std::size_t n, std::uint32_t seed) {
@@ -64,25 +83,6 @@ std::uint32_t Checksum(const std::uint8_t* p, std::size_t n, std::uint32_t seed)
   }
   return sum ^ rest;
 }
-
-std::string Number(std::uint64_t n) { return std::to_string(n); }
-
-const char* MethodName(std::uint16_t method) {
-  switch (method) {
-    case 2: return "Quantum";
-    case 3: return "LZX";
-    default: return "an unknown method";
-  }
-}
-
-char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-
-std::string UpperCase(std::string text) {
-  for (char& c : text) c = Upper(c);
-  return text;
-}
-
-}  // namespace
 
 std::optional<std::string> ReadLayout(RandomFile& file, Layout& layout) {
   layout = Layout{};
@@ -209,20 +209,20 @@ std::optional<std::string> WalkFolder(RandomFile& file, Layout& layout, std::siz
       return "the data of its folder " + Number(index) + " runs past the end of the file";
     }
     const auto length = static_cast<std::uint32_t>(blockHeader + packed);
-    // The checksum covers the data, then the two sizes and the block's reserved bytes; a zero
-    // means the writer gave none. Damaged data goes no further than here.
+    // The checksum covers the data, then the two sizes, and not the block's reserved bytes, as
+    // the platform's expander reads it; a zero means the writer gave none. Damaged data goes no
+    // further than here.
     if (checksum != 0) {
       block.resize(length);
       if (!file.ReadAt(pos, block.data(), block.size())) {
         return "the data of its folder " + Number(index) + " can't be read";
       }
-      const std::uint32_t sum = Checksum(block.data() + 4, static_cast<std::size_t>(blockHeader - 4),
-                                         Checksum(block.data() + blockHeader, packed, 0));
+      const std::uint32_t sum = Checksum(block.data() + 4, 4, Checksum(block.data() + blockHeader, packed, 0));
       if (sum != checksum) {
         return "a data block of its folder " + Number(index) + " is damaged: its checksum does not match";
       }
     }
-    blocks.push_back(DataBlock{pos, length, unpacked});
+    blocks.push_back(DataBlock{pos, length, unpacked, checksum});
     expanded += unpacked;
     pos += length;
   }

@@ -39,7 +39,13 @@ struct DataBlock {
   std::uint64_t offset = 0;     // of the block's header
   std::uint32_t length = 0;     // header and data
   std::uint32_t expanded = 0;   // bytes the block expands to
+  std::uint32_t checksum = 0;   // as the block's header holds it; 0 when its writer gave none
 };
+
+// The checksum of data blocks over `n` bytes, from `seed`: the bytes taken four at a time as
+// little-endian words and combined by exclusive or, the one to three left over in their own
+// order. A block's checksum is that of its data, then from there of the two sizes in its header.
+std::uint32_t Checksum(const std::uint8_t* p, std::size_t n, std::uint32_t seed);
 
 struct Folder {
   std::uint32_t dataOffset = 0;
@@ -79,8 +85,8 @@ std::optional<std::string> ReadLayout(RandomFile& file, Layout& layout);
 
 // Reads the headers of a folder's data blocks and checks them against the file and against the
 // entries stored in it: every block inside the file, no block expanding beyond the block size, a
-// stored block as long as it expands, and every entry of the folder inside what its blocks expand
-// to. Returns what is wrong, or nothing.
+// stored block as long as it expands, a checksum that matches the data (0 stands for none), and
+// every entry of the folder inside what its blocks expand to. Returns what is wrong, or nothing.
 std::optional<std::string> WalkFolder(RandomFile& file, Layout& layout, std::size_t folder);
 
 // Why an entry of this name may not be unpacked, or nothing when it may: an empty name, one that

@@ -105,6 +105,10 @@ std::string CabinetPacker::UniqueName(const std::string& base) {
   return base + ".~" + ProcessTag() + "-" + std::to_string(counter_++);
 }
 
+std::string CabinetPacker::ScratchName(const std::string& folder) {
+  return JoinPath(folder, "~qv" + ProcessTag() + "-" + std::to_string(counter_++) + ".tmp");
+}
+
 void CabinetPacker::Commit(const Pending& pending) {
   const std::string& archive = pending.archive;
   auto refuse = [&](FailureNumber number, const std::string& why) {
@@ -360,7 +364,9 @@ void CabinetPacker::ExpandInto(const std::string& archive, RandomFile& file, Lay
                       [this](const std::string& f) { RemoveFolderTree(f); });
   std::vector<Target> targets;
   for (std::size_t k = 0; k < chosen.size(); ++k) {
-    targets.push_back(Target{chosen[k], UniqueName(JoinPath(destination, names[k]))});
+    // Written under a scratch name first, which unlike one made from the entry's own name can't
+    // pass the file system's limit for a name.
+    targets.push_back(Target{chosen[k], ScratchName(destination)});
     scratch.files.push_back(targets.back().path);
   }
   if (!targets.empty()) Expand(archive, layout, targets);

@@ -42,6 +42,11 @@ class CabinetPacker : public CollectionPacker {
     std::string path;
   };
 
+  // A name for a scratch file in `folder` that no other operation of this process, nor any other
+  // process, uses; of the same short length whatever else lies in the folder, so that it fits
+  // wherever a file may be written.
+  std::string ScratchName(const std::string& folder);
+
   // Commits what is pending and swallows any failure. The adapters, which are final, call it
   // from their destructors, while their own parts still stand.
   void ReleaseQuietly() noexcept;

@@ -146,13 +146,19 @@ std::uint32_t Checksum(const std::string& b, std::size_t at, std::size_t n, std:
 struct Member {
   std::string name;
   std::string data;
+  std::uint16_t attributes = 0x20;  // archive; 0x80 added says the name is UTF-8
 };
 
-std::string BuildCabinet(const std::vector<Member>& members) {
-  std::string b(36, '\0');
+// With `blockReserve`, the header says that every data block carries that many reserved bytes
+// after its own header (filled with a pattern, which the checksum leaves out), and with
+// `noChecksums` every block's checksum field is 0.
+std::string BuildCabinet(const std::vector<Member>& members, std::uint8_t blockReserve = 0,
+                         bool noChecksums = false) {
+  const std::size_t headerSize = blockReserve != 0 ? 40 : 36;
+  std::string b(headerSize, '\0');
   b.replace(0, 4, "MSCF");
   const std::size_t folderCount = members.size();
-  const std::size_t filesAt = 36 + 8 * folderCount;
+  const std::size_t filesAt = headerSize + 8 * folderCount;
   std::size_t dataAt = filesAt;
   for (const Member& m : members) dataAt += 16 + m.name.size() + 1;
   b.resize(dataAt, '\0');
@@ -161,18 +167,23 @@ std::string BuildCabinet(const std::vector<Member>& members) {
   b[25] = 1;
   Set16(b, 26, static_cast<std::uint32_t>(folderCount));
   Set16(b, 28, static_cast<std::uint32_t>(members.size()));
+  if (blockReserve != 0) {
+    Set16(b, 30, 4);  // reserved areas present: none in the header and folders, some in blocks
+    b[39] = static_cast<char>(blockReserve);
+  }
   std::size_t fileAt = filesAt;
   for (std::size_t i = 0; i < members.size(); ++i) {
     const Member& m = members[i];
     const std::size_t blocks = (m.data.size() + 32767) / 32768;
-    Set32(b, 36 + 8 * i, static_cast<std::uint32_t>(b.size()));
-    Set16(b, 36 + 8 * i + 4, static_cast<std::uint32_t>(blocks));
-    Set16(b, 36 + 8 * i + 6, 0);
+    const std::size_t folderAt = headerSize + 8 * i;
+    Set32(b, folderAt, static_cast<std::uint32_t>(b.size()));
+    Set16(b, folderAt + 4, static_cast<std::uint32_t>(blocks));
+    Set16(b, folderAt + 6, 0);
     Set32(b, fileAt, static_cast<std::uint32_t>(m.data.size()));
     Set16(b, fileAt + 8, static_cast<std::uint32_t>(i));
     Set16(b, fileAt + 10, (45u << 9) | (6u << 5) | 15u);  // 15 June 2025
     Set16(b, fileAt + 12, (12u << 11) | (30u << 5));
-    Set16(b, fileAt + 14, 0x20);
+    Set16(b, fileAt + 14, m.attributes);
     b.replace(fileAt + 16, m.name.size() + 1, m.name + '\0');
     fileAt += 16 + m.name.size() + 1;
     for (std::size_t k = 0; k < blocks; ++k) {
@@ -181,12 +192,27 @@ std::string BuildCabinet(const std::vector<Member>& members) {
       b.append(8, '\0');
       Set16(b, at + 4, static_cast<std::uint32_t>(chunk.size()));
       Set16(b, at + 6, static_cast<std::uint32_t>(chunk.size()));
+      for (std::size_t r = 0; r < blockReserve; ++r) b.push_back(static_cast<char>(0xA5 ^ (r * 29 + k)));
       b += chunk;
-      Set32(b, at, Checksum(b, at + 4, 4, Checksum(b, at + 8, chunk.size(), 0)));
+      const std::size_t dataStart = at + 8 + blockReserve;
+      if (!noChecksums) Set32(b, at, Checksum(b, at + 4, 4, Checksum(b, dataStart, chunk.size(), 0)));
     }
   }
   Set32(b, 8, static_cast<std::uint32_t>(b.size()));
   return b;
+}
+
+// Where each data block of a cabinet without reserved areas begins, folder after folder.
+std::vector<std::size_t> BlockOffsets(const std::string& b) {
+  std::vector<std::size_t> out;
+  for (std::size_t f = 0; f < Get16(b, 26); ++f) {
+    std::size_t at = Get32(b, 36 + 8 * f);
+    for (std::size_t k = 0; k < Get16(b, 36 + 8 * f + 4); ++k) {
+      out.push_back(at);
+      at += 8 + Get16(b, at + 4);
+    }
+  }
+  return out;
 }
 
 class CollectionPackerConformance : public ::testing::Test {
@@ -550,6 +576,119 @@ TEST_F(CollectionPackerConformance, ADamagedEntryLeavesNoPartOfItself) {
     Refusal("Long.RXS", "dest", "long.txt");
     EXPECT_EQ(Names(Path("dest")), (std::set<std::string>{"long.txt"}));
     EXPECT_EQ(Bytes(Path("dest/long.txt")), "what was there before");
+  }
+}
+
+TEST_F(CollectionPackerConformance, DataBlocksWithoutChecksumsUnpack) {
+  // A checksum field of 0 says that the writer gave no checksum: the blocks are read as they are.
+  const std::string text = Text(4000);
+  const std::string photo = RandomBytes(90000, 12);
+  Put(Path("words.txt"), text);
+  Put(Path("photo.jpg"), photo);
+  Pack("Sums.RXS", {"words.txt", "photo.jpg"});
+  std::string bytes = *Bytes(Path("Sums.RXS"));
+  const std::vector<std::size_t> blocks = BlockOffsets(bytes);
+  ASSERT_GT(blocks.size(), 4u);
+  for (const std::size_t at : blocks) {
+    ASSERT_NE(Get32(bytes, at), 0u) << "the packer writes checksums";
+    Set32(bytes, at, 0);
+  }
+  Put(Path("Unsummed.RXS"), bytes);
+  NewPacker()->UnpackFiles(Path("Unsummed.RXS"), Path("all"), "");
+  EXPECT_EQ(Names(Path("all")), (std::set<std::string>{"photo.jpg", "words.txt"}));
+  EXPECT_EQ(Bytes(Path("all/words.txt")), text);
+  EXPECT_EQ(Bytes(Path("all/photo.jpg")), photo);
+  NewPacker()->UnpackFiles(Path("Unsummed.RXS"), Path("one"), "words.txt");
+  EXPECT_EQ(Names(Path("one")), (std::set<std::string>{"words.txt"}));
+  EXPECT_EQ(Bytes(Path("one/words.txt")), text);
+
+  // Some blocks with checksums and some without, and a new entry added to such an archive.
+  std::string mixed = *Bytes(Path("Sums.RXS"));
+  for (std::size_t k = 0; k < blocks.size(); k += 2) Set32(mixed, blocks[k], 0);
+  Put(Path("Mixed.RXS"), mixed);
+  Put(Path("more.txt"), "more");
+  Pack("Mixed.RXS", {"more.txt"});
+  NewPacker()->UnpackFiles(Path("Mixed.RXS"), Path("mixed"), "");
+  EXPECT_EQ(Names(Path("mixed")), (std::set<std::string>{"more.txt", "photo.jpg", "words.txt"}));
+  EXPECT_EQ(Bytes(Path("mixed/words.txt")), text);
+  EXPECT_EQ(Bytes(Path("mixed/photo.jpg")), photo);
+  EXPECT_EQ(Bytes(Path("mixed/more.txt")), "more");
+
+  // A checksum that is there and wrong is still refused, beside blocks that have none.
+  std::string wrong = bytes;
+  Set32(wrong, blocks[1], 0x12345678u);
+  Put(Path("Wrong.RXS"), wrong);
+  EXPECT_NE(Refusal("Wrong.RXS", "wrong", "").find("checksum"), std::string::npos);
+}
+
+TEST_F(CollectionPackerConformance, DataBlocksWithReservedBytesUnpackWithOrWithoutChecksums) {
+  // The checksum of a block covers its data and its two sizes, not its reserved bytes.
+  const std::string big = RandomBytes(80000, 13);
+  for (const bool noChecksums : {false, true}) {
+    SCOPED_TRACE(noChecksums);
+    const std::string bytes = BuildCabinet({{"big.bin", big}, {"small.txt", "small"}}, 6, noChecksums);
+    Put(Path("Reserve.RXS"), bytes);
+    NewPacker()->UnpackFiles(Path("Reserve.RXS"), Path("out"), "");
+    EXPECT_EQ(Names(Path("out")), (std::set<std::string>{"big.bin", "small.txt"}));
+    EXPECT_EQ(Bytes(Path("out/big.bin")), big);
+    EXPECT_EQ(Bytes(Path("out/small.txt")), "small");
+    fs::remove_all(Path("out"));
+    if (noChecksums) continue;
+    // A byte of data changed: the checksum no longer matches.
+    std::string damaged = bytes;
+    const std::size_t firstBlock = Get32(damaged, 40);
+    damaged[firstBlock + 8 + 6 + 100] = static_cast<char>(damaged[firstBlock + 8 + 6 + 100] ^ 0x10);
+    Put(Path("Damaged.RXS"), damaged);
+    EXPECT_NE(Refusal("Damaged.RXS", "out", "").find("checksum"), std::string::npos);
+  }
+}
+
+TEST_F(CollectionPackerConformance, AnEntryNameOf255BytesUnpacks) {
+  // The longest name a file may have; the entry is written under a scratch name first, which
+  // must not be longer than the entry's own.
+  const std::string name = std::string(251, 'n') + ".txt";
+  ASSERT_EQ(name.size(), 255u);
+  const std::string data = Text(50);
+  Put(Path("Long.RXS"), BuildCabinet({{"short.txt", "short"}, {name, data}}));
+  NewPacker()->UnpackFiles(Path("Long.RXS"), Path("all"), "");
+  EXPECT_EQ(Names(Path("all")), (std::set<std::string>{"short.txt", name}));
+  EXPECT_EQ(Bytes(Path("all/" + name)), data);
+  NewPacker()->UnpackFiles(Path("Long.RXS"), Path("one"), name);
+  EXPECT_EQ(Names(Path("one")), (std::set<std::string>{name}));
+  EXPECT_EQ(Bytes(Path("one/" + name)), data);
+  // One byte longer is no file name.
+  Put(Path("Longer.RXS"), BuildCabinet({{"n" + name, data}}));
+  EXPECT_NE(Refusal("Longer.RXS", "longer", "").find("255 bytes"), std::string::npos);
+}
+
+TEST_F(CollectionPackerConformance, NamesThatAreNoUtf8AreRefusedThoughTheySayTheyAre) {
+  // Names marked as UTF-8 that aren't: a slash or a point written with more bytes than it needs,
+  // half of a UTF-16 pair, a sequence cut short, a lone continuation byte, a byte UTF-8 never has.
+  for (const std::string& name :
+       {std::string("a\xC0\xAF" "b.txt"), std::string("\xE0\x80\xAF" "b.txt"),
+        std::string("\xC0\xAE\xC0\xAE"), std::string("\xC1\x81.txt"),
+        std::string("\xE0\x80\xAE.txt"), std::string("\xED\xA0\x80.txt"),
+        std::string("x\xE2\x82"), std::string("\x80x.txt"), std::string("\xFFx.txt"),
+        std::string("\xF8\x88\x80\x80\x80.txt")}) {
+    SCOPED_TRACE(::testing::PrintToString(name));
+    Put(Path("Bad.RXS"), BuildCabinet({{"good.txt", "good"}, {name, "bad", 0xA0}}));
+    const auto before = Listing(root_);
+    // Every entry, and the one entry asked for by its bytes as they stand.
+    for (const std::string& entry : {std::string(), name}) {
+      try {
+        NewPacker()->UnpackFiles(Path("Bad.RXS"), Path("dest"), entry);
+        ADD_FAILURE() << "no refusal";
+      } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Number(), FailureNumber::BadFileNameOrNumber);
+        EXPECT_NE(std::string(failure.what()).find("can't be written in this system's code page"),
+                  std::string::npos)
+            << failure.what();
+      }
+    }
+    EXPECT_EQ(Listing(root_), before);
+    NewPacker()->UnpackFiles(Path("Bad.RXS"), Path("dest"), "good.txt");
+    EXPECT_EQ(Names(Path("dest")), (std::set<std::string>{"good.txt"}));
+    fs::remove_all(Path("dest"));
   }
 }
 

@@ -57,6 +57,50 @@ inline std::string BitmapWithData(std::int32_t width, std::int32_t height, std::
   return out + data;
 }
 
+// A bitmap whose header has `headerSize` bytes (12 for the core header, 40 or more for the info
+// header and those that begin as it does): the first 40 bytes as the info header has them, then
+// the masks of bit fields (`masks`, which lie inside a header of 52 bytes or more and after one
+// of 40), zeros up to the header's size, the palette (three bytes an entry after a core header,
+// four after any other) and `data`. The file header's offset of the pixels counts all of it.
+inline std::string BitmapWithHeader(std::uint32_t headerSize, std::int32_t width, std::int32_t height,
+                                    std::uint16_t bitCount, std::uint32_t compression,
+                                    const std::vector<std::uint32_t>& palette,
+                                    const std::vector<std::uint32_t>& masks, const std::string& data) {
+  std::string header;
+  Put32(header, headerSize);
+  if (headerSize == 12) {
+    Put16(header, static_cast<std::uint32_t>(width));
+    Put16(header, static_cast<std::uint32_t>(height));
+    Put16(header, 1);
+    Put16(header, bitCount);
+  } else {
+    Put32(header, static_cast<std::uint32_t>(width));
+    Put32(header, static_cast<std::uint32_t>(height));
+    Put16(header, 1);
+    Put16(header, bitCount);
+    Put32(header, compression);
+    Put32(header, static_cast<std::uint32_t>(data.size()));
+    Put32(header, 2835);
+    Put32(header, 2835);
+    Put32(header, static_cast<std::uint32_t>(palette.size()));
+    Put32(header, 0);
+    for (const std::uint32_t m : masks) Put32(header, m);
+    if (header.size() < headerSize) header.resize(headerSize, '\0');
+  }
+  for (const std::uint32_t c : palette) {
+    header.push_back(static_cast<char>(c & 0xFFu));
+    header.push_back(static_cast<char>((c >> 8) & 0xFFu));
+    header.push_back(static_cast<char>((c >> 16) & 0xFFu));
+    if (headerSize != 12) header.push_back(0);
+  }
+  const auto offset = static_cast<std::uint32_t>(14 + header.size());
+  std::string out = "BM";
+  Put32(out, offset + static_cast<std::uint32_t>(data.size()));
+  Put32(out, 0);
+  Put32(out, offset);
+  return out + header + data;
+}
+
 // An uncompressed bitmap; a negative height stores the rows top-down.
 inline std::string BitmapFile(std::int32_t width, std::int32_t height, std::uint16_t bitCount,
                               const std::vector<std::uint32_t>& pixels,
@@ -279,6 +323,70 @@ inline std::string PngFile(std::int32_t width, std::int32_t height,
   header += std::string(alpha.empty() ? "\x08\x02\x00\x00\x00" : "\x08\x06\x00\x00\x00", 5);
   return std::string("\x89PNG\r\n\x1A\n", 8) + PngChunk("IHDR", header) + PngChunk("IDAT", zlib) +
          PngChunk("IEND", "");
+}
+
+// A PNG of 16 bits a sample: `channels` samples a pixel (1 grey, 2 grey and alpha, 3 RGB, 4 RGBA),
+// row by row from the top; Adam7-interlaced when asked, with a gamma chunk when `gamma` (in
+// hundred-thousandths) is not 0.
+inline std::string SixteenBitPngFile(std::int32_t width, std::int32_t height, int channels,
+                                     const std::vector<std::uint16_t>& samples,
+                                     bool interlaced = false, std::uint32_t gamma = 0) {
+  const auto w = static_cast<std::size_t>(width);
+  const auto h = static_cast<std::size_t>(height);
+  const auto n = static_cast<std::size_t>(channels);
+  // Each pass's rows, each row with its filter byte (none); one pass of everything when plain.
+  struct Pass {
+    std::size_t x0, y0, dx, dy;
+  };
+  const std::vector<Pass> passes =
+      interlaced ? std::vector<Pass>{{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                     {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}}
+                 : std::vector<Pass>{{0, 0, 1, 1}};
+  std::string raw;
+  for (const Pass& pass : passes) {
+    if (pass.x0 >= w || pass.y0 >= h) continue;
+    for (std::size_t y = pass.y0; y < h; y += pass.dy) {
+      raw.push_back(0);
+      for (std::size_t x = pass.x0; x < w; x += pass.dx) {
+        for (std::size_t c = 0; c < n; ++c) {
+          const std::uint16_t v = samples[(y * w + x) * n + c];
+          raw.push_back(static_cast<char>(v >> 8));
+          raw.push_back(static_cast<char>(v & 0xFFu));
+        }
+      }
+    }
+  }
+  std::string zlib("\x78\x01", 2);
+  for (std::size_t at = 0; at == 0 || at < raw.size(); at += 65535) {
+    const std::string block = raw.substr(at, 65535);
+    zlib.push_back(at + block.size() >= raw.size() ? 1 : 0);
+    Put16(zlib, static_cast<std::uint32_t>(block.size()));
+    Put16(zlib, static_cast<std::uint32_t>(~block.size() & 0xFFFFu));
+    zlib += block;
+  }
+  std::uint32_t a = 1;
+  std::uint32_t b = 0;
+  for (char ch : raw) {
+    a = (a + static_cast<std::uint8_t>(ch)) % 65521u;
+    b = (b + a) % 65521u;
+  }
+  PutBig32(zlib, (b << 16) | a);
+  static const char kColourType[] = {0, 0, 4, 2, 6};
+  std::string header;
+  PutBig32(header, static_cast<std::uint32_t>(width));
+  PutBig32(header, static_cast<std::uint32_t>(height));
+  header.push_back(16);
+  header.push_back(kColourType[n]);
+  header.push_back(0);
+  header.push_back(0);
+  header.push_back(interlaced ? 1 : 0);
+  std::string out = std::string("\x89PNG\r\n\x1A\n", 8) + PngChunk("IHDR", header);
+  if (gamma != 0) {
+    std::string g;
+    PutBig32(g, gamma);
+    out += PngChunk("gAMA", g);
+  }
+  return out + PngChunk("IDAT", zlib) + PngChunk("IEND", "");
 }
 
 // An icon file whose entries hold the given data (bitmaps or PNG files) as they are.

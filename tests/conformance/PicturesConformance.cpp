@@ -173,6 +173,96 @@ TEST_F(PicturesConformance, RunLengthBitmapsOf8And4BitsUnpackRunsAndAbsoluteStre
   ExpectColours(Load("runs4.bmp", rle4), width, height, colours);
 }
 
+// Which bitmaps load, and how, is what the platform's loader decides.
+
+// Rows of 8-bit palette indices, bottom-up, padded to whole words.
+std::string IndexRows(std::int32_t width, std::int32_t height, const std::vector<std::uint32_t>& indices) {
+  std::string data;
+  const auto stride = (static_cast<std::size_t>(width) + 3) / 4 * 4;
+  for (std::int32_t r = height - 1; r >= 0; --r) {
+    std::string row(stride, '\0');
+    for (std::int32_t x = 0; x < width; ++x) {
+      row[static_cast<std::size_t>(x)] = static_cast<char>(indices[static_cast<std::size_t>(r * width + x)]);
+    }
+    data += row;
+  }
+  return data;
+}
+
+TEST_F(PicturesConformance, EveryHeaderOfFortyBytesOrMoreReadsAsAnInfoHeader) {
+  // The core header of 12 bytes, the info header and the later ones of 52, 56, 108 and 124
+  // bytes, and the 64 bytes of OS/2 2.x: the same palette picture from each.
+  const std::vector<std::uint32_t> palette = {0x102030, 0xF0E0D0, 0x00FF00, 0x123456, 0xABCDEF};
+  std::vector<std::uint32_t> indices;
+  std::vector<std::uint32_t> colours;
+  for (std::uint32_t i = 0; i < 7 * 3; ++i) {
+    indices.push_back((i * 3 + 1) % 5);
+    colours.push_back(palette[indices.back()]);
+  }
+  const std::string data = IndexRows(7, 3, indices);
+  for (const std::uint32_t size : {12u, 40u, 52u, 56u, 64u, 108u, 124u, 200u}) {
+    SCOPED_TRACE(size);
+    std::vector<std::uint32_t> full = palette;
+    if (size == 12) full.resize(256, 0);  // a core header's palette is always whole
+    ExpectColours(Load("header.bmp", pf::BitmapWithHeader(size, 7, 3, 8, 0, full, {}, data)), 7, 3,
+                  colours);
+  }
+  // Headers shorter than 40 bytes, other than the core header's 12, are none the loader knows:
+  // OS/2 2.x allows 16 of its 64 bytes.
+  for (const std::uint32_t size : {16u, 24u, 39u}) {
+    SCOPED_TRACE(size);
+    std::string file = pf::BitmapWithHeader(40, 7, 3, 8, 0, palette, {}, data);
+    file[14] = static_cast<char>(size);
+    EXPECT_EQ(LoadFailure(Write("short.bmp", file)), 481);
+  }
+}
+
+TEST_F(PicturesConformance, BitFieldsWidenAsThePlatformWidensThem) {
+  // Each field's bits on top, then the field once more below them: 1 bit set gives 0xC0, 2 bits
+  // 0xF0, the 3 bits 101 give 0xB4, the 5 bits 00011 give 0x18; 8 bits or more give their top 8.
+  std::string data;
+  const auto pixel16 = [&](std::uint32_t v) { pf::Put16(data, v); };
+  // Red 2 bits, green 3 bits, blue 1 bit, at the top of the 16.
+  pixel16((3u << 14) | (7u << 11) | (1u << 10));
+  pixel16((2u << 14) | (5u << 11));
+  pixel16((1u << 14) | (2u << 11) | (1u << 10));
+  pixel16(0);  // padding of the row
+  ExpectColours(Load("fields231.bmp", pf::BitmapWithHeader(40, 3, 1, 16, 3, {}, {0xC000, 0x3800, 0x0400}, data)),
+                3, 1, {0xF0FCC0, 0xA0B400, 0x5048C0});
+  data.clear();
+  // 5-6-5.
+  pixel16((3u << 11) | (1u << 5) | 20u);
+  pixel16((31u << 11) | (63u << 5) | 31u);
+  ExpectColours(Load("fields565.bmp", pf::BitmapWithHeader(40, 2, 1, 16, 3, {}, {0xF800, 0x07E0, 0x001F}, data)),
+                2, 1, {0x1804A5, 0xFFFFFF});
+  data.clear();
+  // 32 bits: 10-10-10, and a field of 6 bits.
+  pf::Put32(data, (0x3FFu << 20) | (0x155u << 10) | 0x0FFu);
+  pf::Put32(data, (0x2Au << 26) | (0x3FFFu << 12) | 0x3u);
+  ExpectColours(Load("fields32.bmp", pf::BitmapWithHeader(40, 1, 2, 32, 3, {}, {0x3FF00000, 0x000FFC00, 0x000003FF}, data.substr(0, 4) + data.substr(0, 4))),
+                1, 2, {0xFF553F, 0xFF553F});
+  ExpectColours(Load("fields6.bmp", pf::BitmapWithHeader(108, 1, 1, 32, 3, {}, {0xFC000000, 0x03FFF000, 0x00000003}, data.substr(4, 4))),
+                1, 1, {0xAAFFF0});
+}
+
+TEST_F(PicturesConformance, BitmapsThePlatformDoesNotLoadAreInvalidPictures) {
+  const std::string rows(16, '\x5A');
+  // Two bits a pixel.
+  EXPECT_EQ(LoadFailure(Write("two.bmp", pf::BitmapWithHeader(40, 4, 2, 2, 0, {0, 0x555555, 0xAAAAAA, 0xFFFFFF}, {}, rows))), 481);
+  // Sixty-four bits a pixel.
+  EXPECT_EQ(LoadFailure(Write("wide.bmp", pf::BitmapWithHeader(40, 2, 2, 64, 0, {}, {}, std::string(32, '\x40')))), 481);
+  // Masks of four colours, alpha among them.
+  EXPECT_EQ(LoadFailure(Write("alpha.bmp", pf::BitmapWithHeader(40, 2, 2, 32, 6, {}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, rows))), 481);
+  EXPECT_EQ(LoadFailure(Write("alpha5.bmp", pf::BitmapWithHeader(124, 2, 2, 32, 6, {}, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, rows))), 481);
+  // A JPEG or a PNG inside, and run-length coding of 24 bits.
+  EXPECT_EQ(LoadFailure(Write("jpeg.bmp", pf::BitmapWithHeader(40, 2, 2, 24, 4, {}, {}, ReadBytes(DataFile("quadrants.jpg"))))), 481);
+  EXPECT_EQ(LoadFailure(Write("png.bmp", pf::BitmapWithHeader(40, 3, 2, 24, 5, {}, {}, pf::PngFile(3, 2, kSix)))), 481);
+  EXPECT_EQ(LoadFailure(Write("rle24.bmp", pf::BitmapWithHeader(64, 2, 2, 24, 4, {}, {}, rows))), 481);
+  // The same picture as it is loadable, so that the refusals above are for what they show.
+  ExpectColours(Load("plain.bmp", pf::BitmapWithHeader(40, 2, 2, 32, 0, {}, {}, std::string(16, '\0'))), 2, 2,
+                {0, 0, 0, 0});
+}
+
 // --- GIF --------------------------------------------------------------------------------------
 
 TEST_F(PicturesConformance, AGifGivesItsFrameInItsColours) {
@@ -244,6 +334,81 @@ TEST_F(PicturesConformance, APngGivesItsPixels) {
   std::vector<std::uint32_t> colours;
   for (std::uint32_t i = 0; i < 7 * 5; ++i) colours.push_back((i * 0x071B3Fu) & 0xFFFFFFu);
   ExpectColours(Load("seven.png", pf::PngFile(7, 5, colours)), 7, 5, colours);
+}
+
+// 16-bit samples that are exactly an 8-bit level (the level times 257), so that scaling them
+// to 8 bits, by rounding or by their high byte, gives the level itself.
+std::vector<std::uint32_t> Levels(std::int32_t width, std::int32_t height) {
+  std::vector<std::uint32_t> colours;
+  for (std::int32_t i = 0; i < width * height; ++i) {
+    const auto u = static_cast<std::uint32_t>(i);
+    colours.push_back((((u * 37u + 16u) & 0xFFu) << 16) | (((u * 91u + 64u) & 0xFFu) << 8) |
+                      ((u * 53u + 200u) & 0xFFu));
+  }
+  return colours;
+}
+
+std::vector<std::uint16_t> Samples16(const std::vector<std::uint32_t>& colours) {
+  std::vector<std::uint16_t> samples;
+  for (const std::uint32_t c : colours) {
+    for (const int shift : {16, 8, 0}) samples.push_back(static_cast<std::uint16_t>(((c >> shift) & 0xFFu) * 257u));
+  }
+  return samples;
+}
+
+TEST_F(PicturesConformance, ASixteenBitPngWithoutGammaIsSrgbNotLinearLight) {
+  // Taken for linear light, a quarter level (0x40) would show as 0x89: far too bright.
+  const std::vector<std::uint32_t> colours = Levels(5, 3);
+  ExpectColours(Load("deep.png", pf::SixteenBitPngFile(5, 3, 3, Samples16(colours))), 5, 3, colours);
+  const std::vector<std::uint32_t> quarter(4, 0x404040);
+  ExpectColours(Load("quarter.png", pf::SixteenBitPngFile(2, 2, 3, Samples16(quarter))), 2, 2, quarter);
+
+  // Grey, and grey with alpha (opaque here).
+  std::vector<std::uint16_t> grey;
+  std::vector<std::uint16_t> greyAlpha;
+  std::vector<std::uint32_t> greys;
+  for (std::uint32_t i = 0; i < 12; ++i) {
+    const std::uint32_t level = (i * 23u + 5u) & 0xFFu;
+    grey.push_back(static_cast<std::uint16_t>(level * 257u));
+    greyAlpha.push_back(static_cast<std::uint16_t>(level * 257u));
+    greyAlpha.push_back(0xFFFF);
+    greys.push_back(level * 0x010101u);
+  }
+  ExpectColours(Load("grey.png", pf::SixteenBitPngFile(4, 3, 1, grey)), 4, 3, greys);
+  ExpectColours(Load("greyalpha.png", pf::SixteenBitPngFile(4, 3, 2, greyAlpha)), 4, 3, greys);
+}
+
+TEST_F(PicturesConformance, AnInterlacedSixteenBitPngGivesTheSamePixelsAsAPlainOne) {
+  // Sizes that leave some of the seven passes short or empty.
+  for (const auto& [width, height] : std::vector<std::pair<std::int32_t, std::int32_t>>{
+           {13, 11}, {1, 1}, {3, 2}, {9, 1}, {1, 9}}) {
+    SCOPED_TRACE(::testing::Message() << width << "x" << height);
+    const std::vector<std::uint32_t> colours = Levels(width, height);
+    const std::vector<std::uint16_t> samples = Samples16(colours);
+    ExpectColours(Load("plain.png", pf::SixteenBitPngFile(width, height, 3, samples)), width, height,
+                  colours);
+    ExpectColours(Load("interlaced.png", pf::SixteenBitPngFile(width, height, 3, samples, true)),
+                  width, height, colours);
+  }
+  // With alpha: the transparent pixels are transparent, the others keep their colour.
+  const std::vector<std::uint32_t> colours = Levels(10, 7);
+  std::vector<std::uint16_t> samples;
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    for (const int shift : {16, 8, 0}) {
+      samples.push_back(static_cast<std::uint16_t>(((colours[i] >> shift) & 0xFFu) * 257u));
+    }
+    samples.push_back(i % 3 == 0 ? 0 : 0xFFFF);
+  }
+  const Pixels p = Load("alpha.png", pf::SixteenBitPngFile(10, 7, 4, samples, true));
+  ASSERT_EQ(p.width, 10);
+  ASSERT_EQ(p.height, 7);
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    if (i % 3 == 0) {
+      EXPECT_EQ(p.bgra[i] >> 24, 0u) << "pixel " << i;
+    } else {
+      EXPECT_EQ(p.bgra[i], kOpaque | colours[i]) << "pixel " << i;
+    }
+  }
 }
 
 TEST_F(PicturesConformance, APngsTransparentPixelsAreTransparentAndTheOthersKeepTheirColour) {

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csetjmp>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -74,22 +75,119 @@ std::optional<Pixels> DecodeJpeg(Bytes bytes) {
 
 // --- PNG --------------------------------------------------------------------------------------
 
+// PNG goes through libpng's lower-level reader, and its samples are brought to 8-bit BGRA here,
+// as the platform's reader brings them: as they stand, whatever gamma the file declares, and
+// 16-bit samples by their high byte. (libpng's simplified reader would correct from a declared
+// gamma, take 16-bit samples without one for linear light, which shows them far too bright,
+// and give wrong pixels for interlaced 16-bit pictures.)
+struct PngSource {
+  Bytes bytes;
+  std::size_t at = 0;
+};
+
+void ReadPngBytes(png_structp png, png_bytep out, png_size_t count) {
+  auto* source = static_cast<PngSource*>(png_get_io_ptr(png));
+  if (count > source->bytes.size() - source->at) png_error(png, "the file is cut short");
+  std::memcpy(out, source->bytes.data() + source->at, count);
+  source->at += count;
+}
+
+void IgnorePngWarning(png_structp, png_const_charp) {}
+
+class PngReader {
+ public:
+  explicit PngReader(Bytes bytes) : source_{bytes, 0} {
+    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, IgnorePngWarning);
+    if (png_ != nullptr) info_ = png_create_info_struct(png_);
+  }
+  ~PngReader() { png_destroy_read_struct(&png_, info_ != nullptr ? &info_ : nullptr, nullptr); }
+  PngReader(const PngReader&) = delete;
+  PngReader& operator=(const PngReader&) = delete;
+
+  // Reads the header and asks for rows of red, green, blue and alpha, of 8 bits or, for a
+  // 16-bit picture, of 16 bits in the host's order, each pass of an interlaced picture on its
+  // own; false on any error. libpng leaves these functions by a long jump on error: nothing in
+  // them has a destructor.
+  bool Prepare() {
+    if (png_ == nullptr || info_ == nullptr) return false;
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    png_set_read_fn(png_, &source_, ReadPngBytes);
+    png_read_info(png_, info_);
+    width_ = png_get_image_width(png_, info_);
+    height_ = png_get_image_height(png_, info_);
+    interlaced_ = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
+    sixteen_ = png_get_bit_depth(png_, info_) == 16;
+    png_set_expand(png_);
+    if (png_get_valid(png_, info_, PNG_INFO_tRNS) != 0) png_set_tRNS_to_alpha(png_);
+    if ((png_get_color_type(png_, info_) & PNG_COLOR_MASK_COLOR) == 0) png_set_gray_to_rgb(png_);
+    png_set_filler(png_, sixteen_ ? 0xFFFF : 0xFF, PNG_FILLER_AFTER);
+    if (sixteen_) png_set_swap(png_);
+    png_read_update_info(png_, info_);
+    return png_get_rowbytes(png_, info_) == static_cast<png_size_t>(width_) * (sixteen_ ? 8 : 4);
+  }
+  bool ReadRow(std::uint8_t* row) {
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    png_read_row(png_, row, nullptr);
+    return true;
+  }
+  bool Finish() {
+    if (setjmp(png_jmpbuf(png_)) != 0) return false;
+    png_read_end(png_, nullptr);
+    return true;
+  }
+
+  png_uint_32 Width() const { return width_; }
+  png_uint_32 Height() const { return height_; }
+  bool Interlaced() const { return interlaced_; }
+  bool Sixteen() const { return sixteen_; }
+
+ private:
+  PngSource source_;
+  png_structp png_ = nullptr;
+  png_infop info_ = nullptr;
+  png_uint_32 width_ = 0;
+  png_uint_32 height_ = 0;
+  bool interlaced_ = false;
+  bool sixteen_ = false;
+};
+
 std::optional<Pixels> DecodePng(Bytes bytes) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) {
+  PngReader reader(bytes);
+  if (!reader.Prepare() || !codecs::DecodableSize(reader.Width(), reader.Height())) {
     return std::nullopt;
   }
-  if (!codecs::DecodableSize(image.width, image.height)) {
-    png_image_free(&image);
-    return std::nullopt;
+  const std::size_t width = reader.Width();
+  const std::size_t height = reader.Height();
+  const bool sixteen = reader.Sixteen();
+  Pixels pixels = Sized(static_cast<std::int64_t>(width), static_cast<std::int64_t>(height), 0);
+  std::vector<std::uint8_t> row(width * (sixteen ? 8 : 4));
+  // A sample's 8 bits: for 16 bits, stored here low byte first, the high byte.
+  const auto sample = [&](std::size_t k, std::size_t c) -> std::uint32_t {
+    return sixteen ? row[8 * k + 2 * c + 1] : row[4 * k + c];
+  };
+  // The seven passes of an interlaced picture: where each starts and how far apart its pixels
+  // lie; a pass with no row or no column is not stored.
+  const std::size_t startX[7] = {0, 4, 0, 2, 0, 1, 0};
+  const std::size_t startY[7] = {0, 0, 4, 0, 2, 0, 1};
+  const std::size_t stepX[7] = {8, 8, 4, 4, 2, 2, 1};
+  const std::size_t stepY[7] = {8, 8, 8, 4, 4, 2, 2};
+  const bool interlaced = reader.Interlaced();
+  for (std::size_t pass = 0; pass < (interlaced ? 7u : 1u); ++pass) {
+    const std::size_t x0 = interlaced ? startX[pass] : 0;
+    const std::size_t y0 = interlaced ? startY[pass] : 0;
+    const std::size_t dx = interlaced ? stepX[pass] : 1;
+    const std::size_t dy = interlaced ? stepY[pass] : 1;
+    if (x0 >= width || y0 >= height) continue;
+    const std::size_t columns = (width - x0 + dx - 1) / dx;
+    for (std::size_t y = y0; y < height; y += dy) {
+      if (!reader.ReadRow(row.data())) return std::nullopt;
+      std::uint32_t* out = pixels.bgra.data() + y * width;
+      for (std::size_t k = 0; k < columns; ++k) {
+        out[x0 + k * dx] = (sample(k, 3) << 24) | (sample(k, 0) << 16) | (sample(k, 1) << 8) | sample(k, 2);
+      }
+    }
   }
-  image.format = PNG_FORMAT_BGRA;
-  Pixels pixels = Sized(image.width, image.height, 0);
-  // On failure the reader has freed what it held.
-  if (png_image_finish_read(&image, nullptr, pixels.bgra.data(), 0, nullptr) == 0) {
-    return std::nullopt;
-  }
+  if (!reader.Finish()) return std::nullopt;
   return pixels;
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 // Pictures for the build without Windows. The kind of a file is told by its first bytes; JPEG
 // goes to libjpeg-turbo (its TurboJPEG interface, which stops at the first warning, so that a
-// damaged or cut-short file is refused, not shown half grey), PNG to libpng's simplified reader,
-// GIF to giflib, and bitmaps, icons and cursors to the program's own bitmap reader. Metafiles,
+// damaged or cut-short file is refused, not shown half grey), PNG to libpng's lower-level reader
+// (samples as they stand, whatever gamma the file declares, as the platform reads them), GIF to
+// giflib, and bitmaps, icons and cursors to the program's own bitmap reader. Metafiles,
 // which only the platform draws, are refused like any other content it doesn't know.
 #include <cstdint>
 #include <span>

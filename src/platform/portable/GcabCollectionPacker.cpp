@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -137,15 +138,18 @@ std::optional<std::string> Utf8ToWindows1252(const std::string& text) {
     const auto c = static_cast<unsigned char>(text[i]);
     char32_t cp = 0;
     std::size_t length = 0;
+    char32_t least = 0;  // the smallest character a sequence of this length may carry
     if (c < 0x80) {
       cp = c;
       length = 1;
     } else if ((c & 0xE0) == 0xC0) {
       cp = c & 0x1F;
       length = 2;
+      least = 0x80;
     } else if ((c & 0xF0) == 0xE0) {
       cp = c & 0x0F;
       length = 3;
+      least = 0x800;
     } else {
       return std::nullopt;  // beyond the basic plane, or not UTF-8: no place in the code page
     }
@@ -155,6 +159,9 @@ std::optional<std::string> Utf8ToWindows1252(const std::string& text) {
       if ((next & 0xC0) != 0x80) return std::nullopt;
       cp = (cp << 6) | (next & 0x3F);
     }
+    // A character written with more bytes than it needs ("C0 AF" for a slash) is no UTF-8, nor
+    // is half of a UTF-16 pair: both are refused here, before anything reads the name.
+    if (cp < least || (cp >= 0xD800 && cp <= 0xDFFF)) return std::nullopt;
     i += length;
     bool placed = false;
     for (unsigned b = 0; b < 256 && !placed; ++b) {
@@ -303,8 +310,46 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
   auto fail = [&](const std::string& why) {
     Raise(FailureNumber::PathFileAccessError, "Cannot unpack \"" + archive + "\": " + why);
   };
+  // libgcab compares a block's checksum field literally, where 0 stands for "none". The blocks
+  // with a checksum have passed the check in the walk of their folders; those without one are
+  // read from a scratch copy of the archive that carries their sums.
+  std::string source = archive;
+  struct CopyRemover {
+    GcabCollectionPacker* packer;
+    std::string path;
+    ~CopyRemover() {
+      if (!path.empty()) packer->RemoveFile(path);
+    }
+  } copy{this, ""};
+  std::vector<bool> chosen(layout.folders.size());
+  for (const Target& t : targets) chosen[layout.entries[t.entry].folder] = true;
+  std::vector<std::pair<std::uint64_t, std::uint32_t>> sums;  // where a block begins, its sum
+  {
+    auto file = OpenForReading(archive);
+    if (!file) fail("it can't be read: " + LastErrorText());
+    std::vector<std::uint8_t> block;
+    for (std::size_t f = 0; f < layout.folders.size(); ++f) {
+      const cabinet::Folder& folder = layout.folders[f];
+      if (!chosen[f]) continue;
+      for (const cabinet::DataBlock& b : folder.blocks) {
+        if (b.checksum != 0) continue;
+        block.resize(b.length);
+        if (!file->ReadAt(b.offset, block.data(), block.size())) fail("it can't be read: " + LastErrorText());
+        const std::size_t header = 8u + folder.blockReserve;
+        const std::uint32_t sum =
+            cabinet::Checksum(block.data() + 4, 4, cabinet::Checksum(block.data() + header, b.length - header, 0));
+        if (sum != 0) sums.emplace_back(b.offset, sum);
+      }
+    }
+  }
+  if (!sums.empty()) {
+    copy.path = ScratchName(ScratchFolder());
+    if (auto fault = CopyWithChecksums(archive, copy.path, sums)) fail(*fault);
+    source = copy.path;
+  }
+
   GErrorHolder error;
-  GObjectPtr<GFile> file(g_file_new_for_path(HostPath(archive).c_str()));
+  GObjectPtr<GFile> file(g_file_new_for_path(HostPath(source).c_str()));
   GObjectPtr<GFileInputStream> stream(g_file_read(file.get(), nullptr, error.Out()));
   if (!stream) fail(error.Text());
   GObjectPtr<GCabCabinet> cabinet(gcab_cabinet_new());
@@ -347,6 +392,29 @@ void GcabCollectionPacker::Expand(const std::string& archive, const cabinet::Lay
                                    error.Out())) {
     fail(error.Text());
   }
+}
+
+std::optional<std::string> GcabCollectionPacker::CopyWithChecksums(
+    const std::string& archive, const std::string& copy,
+    const std::vector<std::pair<std::uint64_t, std::uint32_t>>& sums) {
+  auto in = OpenForReading(archive);
+  if (!in) return "it can't be read: " + LastErrorText();
+  auto out = CreateNew(copy);
+  if (!out) return "no scratch copy of it can be made: " + LastErrorText();
+  std::vector<std::uint8_t> buffer(1u << 20);
+  const std::uint64_t size = in->Size();
+  for (std::uint64_t at = 0; at < size;) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size - at));
+    if (!in->ReadAt(at, buffer.data(), count)) return "it can't be read: " + LastErrorText();
+    if (!out->WriteAt(at, buffer.data(), count)) return "its scratch copy can't be written: " + LastErrorText();
+    at += count;
+  }
+  for (const auto& [offset, sum] : sums) {
+    const std::uint8_t bytes[4] = {static_cast<std::uint8_t>(sum & 0xFFu), static_cast<std::uint8_t>((sum >> 8) & 0xFFu),
+                                   static_cast<std::uint8_t>((sum >> 16) & 0xFFu), static_cast<std::uint8_t>(sum >> 24)};
+    if (!out->WriteAt(offset, bytes, sizeof bytes)) return "its scratch copy can't be written: " + LastErrorText();
+  }
+  return std::nullopt;
 }
 
 std::unique_ptr<CollectionPacker> GcabCollectionPackers::Create() {

@@ -6,6 +6,8 @@
 // are not plain ASCII.
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/CabinetPacker.h"
 #include "platform/portable/PortableFileSystem.h"
@@ -39,6 +41,12 @@ class GcabCollectionPacker final : public CabinetPacker {
               const std::vector<Target>& targets) override;
 
  private:
+  // A copy of the archive with each given sum in the checksum field of the block that begins at
+  // its offset. Returns what went wrong, or nothing.
+  std::optional<std::string> CopyWithChecksums(
+      const std::string& archive, const std::string& copy,
+      const std::vector<std::pair<std::uint64_t, std::uint32_t>>& sums);
+
   PortableFileSystem files_;
   int lastError_ = 0;
 };
