@@ -74,6 +74,18 @@ POINT IconPoint() {
   return POINT{bar.right - 10, (bar.top + bar.bottom) / 2};
 }
 
+// How many windows of the task bar are shown: its own buttons and one for each window it lists.
+int TaskBarButtons() {
+  int count = 0;
+  const HWND bar = ::FindWindowA("Shell_TrayWnd", nullptr);
+  if (bar == nullptr) return -1;
+  for (HWND child = ::GetWindow(bar, GW_CHILD); child != nullptr;
+       child = ::GetWindow(child, GW_HWNDNEXT)) {
+    count += ::IsWindowVisible(child) != 0 ? 1 : 0;
+  }
+  return count;
+}
+
 void Key(WORD key) {
   INPUT input[2] = {};
   input[0].type = INPUT_KEYBOARD;
@@ -313,9 +325,16 @@ class TraySession {
                                                     std::to_string(area.bottom - area.top) +
                                                     " pixels high at " + Describe(area));
     SaveShot(verdict, shots_, prefix_ + "tray-notification");
+    const int buttonsWhileUp = TaskBarButtons();
     verdict.Check(::GetForegroundWindow() != note, "the notification took the activation");
     const bool gone = WaitUntil(10000, [&] { return ::IsWindow(note) == 0 || ::IsWindowVisible(note) == 0; });
     verdict.Check(gone, "the notification did not go by itself within 10 s");
+    ::Sleep(500);
+    const int buttonsAfter = TaskBarButtons();
+    verdict.Check(buttonsWhileUp == buttonsAfter,
+                  "the task bar showed " + std::to_string(buttonsWhileUp) +
+                      " buttons with the notification up and " + std::to_string(buttonsAfter) +
+                      " after: the notification had a button of its own");
     // Once more, closed by a click.
     SendIconMessage(popup_, WM_LBUTTONDBLCLK);
     verdict.Check(MainShown(true), "the double click did not show the window again");

@@ -66,6 +66,7 @@ Win32Notification::~Win32Notification() {
     ::SetWindowLongPtrA(window_, GWLP_USERDATA, 0);
     ::DestroyWindow(window_);
   }
+  if (owner_ != nullptr) ::DestroyWindow(owner_);
 }
 
 void Win32Notification::SetOption(std::int32_t number, std::int32_t value) {
@@ -98,8 +99,13 @@ void Win32Notification::Show() {
   Measure(dpi_);
   step_ = 1;
   phase_ = Phase::Rising;
+  // Owned by a hidden window of its own, so that no task bar gives it a button.
+  if (owner_ == nullptr) {
+    owner_ = ::CreateWindowExA(WS_EX_TOOLWINDOW, "STATIC", "QuorvaneNotificationOwner", WS_POPUP,
+                               0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
+  }
   window_ = ::CreateWindowExA(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kClassName,
-                              shownText_.c_str(), WS_POPUP, 0, 0, width_, height_, nullptr,
+                              shownText_.c_str(), WS_POPUP, 0, 0, width_, height_, owner_,
                               nullptr, instance, this);
   if (window_ == nullptr) return;
   Place();

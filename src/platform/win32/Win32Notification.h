@@ -48,6 +48,7 @@ class Win32Notification final : public Notification {
 
   // What the window shows, fixed at Show.
   HWND window_ = nullptr;
+  HWND owner_ = nullptr;  // hidden, made with the first window and kept
   notification::Plan plan_;
   Pixels shownPicture_;
   std::string shownText_;
