@@ -9,10 +9,12 @@
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
-# change after them. The pictures are those of Debian's ukui-wallpapers (scripts/setup.sh installs
-# it); without them the two wallpaper runs fail, saying so. One screenshot per run and case goes
-# to build/screenshots/. Last, the slide show of a collection packed from Debian's
-# mate-backgrounds, driven by hand and by its timer. Ends with "N passed, M failed"; the exit
+# change after them; then the tray: the icon's messages, its menu chosen from with the keyboard
+# and the pointer, the notification, "Change Wallpaper" and "Exit"; and the tray menu once more
+# at a display scaling of 150 %. The pictures are those of Debian's ukui-wallpapers
+# (scripts/setup.sh installs it); without them the wallpaper runs fail, saying so. Last, the slide
+# show of a collection packed from Debian's mate-backgrounds, driven by hand and by its timer. One
+# screenshot per run and case goes to build/screenshots/. Ends with "N passed, M failed"; the exit
 # status is non-zero when a case failed or could not run.
 #
 # Needs the Windows build (cmake --build --preset windows). scripts/test.sh calls it with the Wine
@@ -127,6 +129,10 @@ at_scaling 144
 drive "$work/navigation-xp.txt" navigation "$shots_w" e2e-xp-150-
 at_scaling 96
 as_vista
+echo "== end to end: the tray menu at 150 %"
+at_scaling 144
+drive "$work/tray-menu-150.txt" tray-menu "$shots_w" e2e-150-
+at_scaling 96
 
 # The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made
 # (ukui-wallpapers puts its JPEGs and PNGs in the top level of /usr/share/backgrounds), packed by
@@ -204,6 +210,8 @@ settings_run() {
       report+="FAIL wallpaper failures: cab_probe.exe could not pack Undecodable.RXS"$'\n'"0 passed, 1 failed"$'\n'
     fi
     rm -f "$undecodable"
+    echo "== end to end: the tray (resident): its menu, its notification, the way back"
+    drive "$work/tray.txt" tray "$shots_w" "$(winepath -w "$manifest" 2>/dev/null)" e2e-
   else
     report+="FAIL settings: cab_probe.exe could not pack the collections"$'\n'"0 passed, 1 failed"$'\n'
   fi

@@ -2,8 +2,10 @@
 // FrmMain as the entry uses it: its real windows, made by the binding, and its load routine.
 //
 // The window closes in these ways:
-//   - WM_CLOSE (the system menu, Alt+F4, or another program): asks Form_QueryUnload with unload
-//     mode 0, which refuses it; nothing happens.
+//   - The close of the system menu (WM_SYSCOMMAND's SC_CLOSE, Alt+F4): asks Form_QueryUnload
+//     with unload mode 0, which refuses it; nothing happens.
+//   - WM_CLOSE from another program (the task manager's): unload mode 3, not refused; the
+//     window is hidden and destroyed, and the process ends.
 //   - WM_ENDSESSION at a log-off or shutdown: unload mode 2, not refused; the window is hidden
 //     and destroyed, and the process ends.
 //   - The registered message "Quorvane.Exit", from this process or another one: runs

@@ -3,6 +3,7 @@
 #include "platform/Service.h"
 #include "platform/win32/Win32Platform.h"
 #include "ui/win32/Win32Forms.h"
+#include "ui/win32/Win32Menus.h"
 
 namespace quorvane::app {
 
@@ -12,6 +13,8 @@ void InstallWin32Services() {
   // The forms port: its Windows adapter is the binding's, so it is installed here, beside the
   // platform, on a line of its own.
   static platform::Installed<platform::Forms, ui::win32::Win32Forms> forms;
+  // The pop-up menus, drawn by the binding.
+  static platform::Installed<platform::Menus, ui::win32::Win32Menus> menus;
 }
 
 }  // namespace quorvane::app

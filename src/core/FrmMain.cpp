@@ -50,6 +50,9 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
   }
   PicClose.Click = [this] { PicClose_Click(); };
   PicMin.Click = [this] { PicMin_Click(); };
+  PicPopup.MouseMove = [this](std::int16_t button, std::int16_t shift, float x, float y) {
+    PicPopup_MouseMove(button, shift, x, y);
+  };
   Label14.Click = [this] { Label14_Click(); };
 
   // Hover.

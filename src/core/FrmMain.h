@@ -17,6 +17,8 @@
 
 namespace quorvane {
 
+class FrmMenu;
+
 // One row of the icon catalogue.
 struct IconRecord {
   std::string Name;
@@ -233,6 +235,20 @@ class FrmMain : public ui::Form {
   void PicMin_Click();
   void mnuShowHide_Click();
   void mnuExit_Click();
+  // The tray icon's events, which the notification area sends as mouse moves on PicPopup with
+  // the mouse message as X: a left double click shows the window, a right button's release pops
+  // up FrmMenu's menu at the pointer; anything else does nothing.
+  void PicPopup_MouseMove(std::int16_t Button, std::int16_t Shift, float X, float Y);
+  void ShowFromTray();
+  void PopupTrayMenu();
+  // FrmMenu, made and loaded at the first right click on the icon and kept loaded and hidden.
+  FrmMenu& TrayMenuForm();
+  bool TrayMenuFormLoaded() const;
+  // The slider background's part of PicClose: Picture1's own window procedure put back if the
+  // slider's colour request is still caught, and the slider's brush deleted if made, each
+  // cleared. The slider background connects it where it subclasses; while nothing is
+  // connected there is nothing to end.
+  std::function<void()> EndSliderBackground;
 
   // The highlight colour of a wallpaper command under the mouse.
   static constexpr std::uint32_t kHighlight = 0xC0762A;
@@ -245,6 +261,7 @@ class FrmMain : public ui::Form {
   void ClearHover(const std::string& key);
 
   std::unique_ptr<AdvRegistryAccess> reg_;
+  std::shared_ptr<FrmMenu> mTrayMenu;
 };
 
 // The main window of the process; a failure when none is installed.

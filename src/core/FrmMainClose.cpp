@@ -49,7 +49,9 @@ void FrmMain::Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode) {
 
 void FrmMain::PicClose_Click() {
   RemoveTrayIconTwice();
-  // The slider's subclass and brush are given back here once the slider background is in.
+  // Picture1's own procedure back and the slider's brush deleted, where the slider background
+  // set them up.
+  if (EndSliderBackground) EndSliderBackground();
   platform::Application& application = platform::Use<platform::Application>();
   std::int16_t cancel = 0;
   Form_QueryUnload(cancel, kUnloadFromCode);

@@ -22,6 +22,12 @@
 //       One run for the slide show (SlideShow.cpp): the manifest's collection selected on the
 //       "Wallpaper" page, the show opened with CmdSlideShow, stepped by hand and by itself, its
 //       buttons' hover pictures, and left with Escape.
+//   e2e_driver tray <result file> <screenshot folder> <manifest file> <shot prefix>
+//       One resident run for the tray (Tray.cpp): the icon's messages, the menu with the keyboard
+//       and the pointer, "Show/Hide", a double click, PicMin's notification, "Change Wallpaper"
+//       to the manifest's first picture, "Exit"; then the close requests.
+//   e2e_driver tray-menu <result file> <screenshot folder> <shot prefix>
+//       The tray menu alone, photographed, then "Exit": for a run at another display scaling.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -47,6 +53,7 @@
 #include "Registry.h"
 #include "Settings.h"
 #include "SlideShow.h"
+#include "Tray.h"
 #include "WallpaperFailures.h"
 
 namespace {
@@ -350,11 +357,11 @@ Verdict RunCase(const RunModeCase& runCase, const std::string& program,
 
     if (runCase.thorough && runCase.shown && !runCase.loadFails) {
       CheckNodeClick(verdict, window);
-      // A close request from the system menu or another program is refused.
-      ::PostMessageA(window, WM_CLOSE, 0, 0);
+      // A close request from the system menu is refused.
+      ::PostMessageA(window, WM_SYSCOMMAND, SC_CLOSE, 0);
       ::Sleep(kRefusedCloseWait);
       verdict.Check(IsRunning(child) && ::IsWindow(window) != 0 && ::IsWindowVisible(window) != 0,
-                    "WM_CLOSE was not refused: the window closed or hid");
+                    "the system menu's close was not refused: the window closed or hid");
     }
     verdict.Check(PostRegistered(window, kExitMessage), "\"Quorvane.Exit\" could not be posted");
   }
@@ -513,6 +520,22 @@ int SlideShowRun(const std::string& resultPath, const std::string& screenshotFol
   return result.Finish();
 }
 
+int TrayRun(const std::string& resultPath, const std::string& screenshotFolder,
+            const std::string& manifest, const std::string& prefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunTray(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, prefix, result.Cases());
+  return result.Finish();
+}
+
+int TrayMenuRun(const std::string& resultPath, const std::string& screenshotFolder,
+                const std::string& prefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunTrayMenuOnly(OwnFolder() + "quorvane.exe", screenshotFolder, prefix, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -557,6 +580,8 @@ int main(int argc, char** argv) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);
   }
   if (command == "slide-show" && argc == 5) return SlideShowRun(argv[2], argv[3], argv[4]);
+  if (command == "tray" && argc == 6) return TrayRun(argv[2], argv[3], argv[4], argv[5]);
+  if (command == "tray-menu" && argc == 5) return TrayMenuRun(argv[2], argv[3], argv[4]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;

@@ -45,6 +45,7 @@ struct PortableServices {
   platform::portable::DecodedPictures& decoded = adapters.Pictures();
   platform::portable::RecordingWallpaper& wallpaper = adapters.Wallpaper();
   platform::portable::PortableWindowActions& actions = adapters.WindowActions();
+  platform::portable::PortableMenus& menus = adapters.Menus();
 
   // A machine for the main window's load routine: the application data folder and the program's
   // folder under `root`, and My Computer's stock icon, which the catalogue reads first.

@@ -16,6 +16,7 @@
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"
 #include "platform/Icons.h"
+#include "platform/Menus.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
 #include "platform/Pictures.h"
@@ -39,6 +40,7 @@
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
+#include "platform/portable/PortableMenus.h"
 #include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/PortableNotification.h"
 #include "platform/portable/PortableProcess.h"
@@ -85,6 +87,7 @@ class PortablePlatform {
   DecodedPictures& Pictures() { return pictures_.Get(); }
   RecordingWallpaper& Wallpaper() { return wallpaper_.Get(); }
   PortableWindowActions& WindowActions() { return windowActions_.Get(); }
+  PortableMenus& Menus() { return menus_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -108,6 +111,7 @@ class PortablePlatform {
   Installed<platform::Pictures, DecodedPictures> pictures_;
   Installed<platform::Wallpaper, RecordingWallpaper> wallpaper_;
   Installed<platform::WindowActions, PortableWindowActions> windowActions_;
+  Installed<platform::Menus, PortableMenus> menus_;
 };
 
 }  // namespace quorvane::platform::portable

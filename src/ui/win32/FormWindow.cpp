@@ -717,8 +717,17 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       if (LOWORD(wParam) != WA_INACTIVE && (!activated_ || fromOwnForm)) Activated();
       return ::DefWindowProcA(window, message, wParam, lParam);
     }
+    case WM_SYSCOMMAND:
+      // The close of the system menu, the close box and Alt+F4.
+      if ((wParam & 0xFFF0) == SC_CLOSE) {
+        RequestUnload(kUnloadFromMenu);
+        return 0;
+      }
+      return ::DefWindowProcA(window, message, wParam, lParam);
     case WM_CLOSE:
-      RequestUnload(kUnloadFromMenu);
+      // A close that did not come through the system menu: another program's, as the task
+      // manager's.
+      RequestUnload(kUnloadFromTaskManager);
       return 0;
     case WM_QUERYENDSESSION:
       return TRUE;
