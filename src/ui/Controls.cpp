@@ -38,6 +38,11 @@ void Control::Tag(const std::string& value) {
   Notify(Property::Tag);
 }
 
+void Control::SetFocus() {
+  if (owner_ != nullptr) owner_->activeControl_ = this;
+  Notify(Property::Focus);
+}
+
 void Control::Left(std::int32_t value) {
   left_ = value;
   Notify(Property::Position);

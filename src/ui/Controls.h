@@ -28,6 +28,7 @@ using quorvane::Pixels;
 // What a binding is told when a property of its control changes.
 enum class Property {
   Visible, Enabled, Tag, Position, Caption, Picture, Image, Value, Nodes, NodeState, Images,
+  Focus,  // the control was given the keyboard focus (SetFocus)
 };
 
 class Control;
@@ -65,6 +66,9 @@ class Control {
   void Enabled(bool value);
   const std::string& Tag() const { return tag_; }
   void Tag(const std::string& value);
+  // Gives the control the keyboard focus: it becomes its form's ActiveControl, and the binding
+  // moves the real focus to its window.
+  void SetFocus();
 
   std::int32_t Left() const { return left_; }
   std::int32_t Top() const { return top_; }

@@ -442,16 +442,33 @@ void FormWindow::ApplyValue(BoundControl& record) {
       if (bound.upDown != nullptr) {
         // Both bounds 0: no bounds of its own.
         const bool bounded = spin.Min != 0 || spin.Max != 0;
-        ::SendMessageA(bound.upDown, UDM_SETRANGE32,
-                       static_cast<WPARAM>(bounded ? spin.Min : -INT_MAX),
-                       bounded ? spin.Max : INT_MAX);
-        ::SendMessageA(bound.upDown, UDM_SETPOS32, 0, spin.Value());
+        const int low = bounded ? spin.Min : -INT_MAX;
+        const int high = bounded ? spin.Max : INT_MAX;
+        int shownLow = 0;
+        int shownHigh = 0;
+        ::SendMessageA(bound.upDown, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&shownLow),
+                       reinterpret_cast<LPARAM>(&shownHigh));
+        if (shownLow != low || shownHigh != high) {
+          ::SendMessageA(bound.upDown, UDM_SETRANGE32, static_cast<WPARAM>(low), high);
+        }
       }
+      // While the user types, each digit that makes a number sets the value, and the value
+      // comes back here: the edit that reads as the value already is left alone, so that its
+      // caret and selection stay where the user has them. (The up-down reads its position from
+      // the edit before each step of its arrows.) Any other value is written in, and the caret
+      // goes behind it for the next key.
+      std::int32_t typed = 0;
+      if (ReadSpinNumber(bound, typed) && typed == spin.Value()) break;
+      if (bound.upDown != nullptr) ::SendMessageA(bound.upDown, UDM_SETPOS32, 0, spin.Value());
       if (bound.edit != nullptr) {
         const std::string text = std::to_string(spin.Value());
         char shown[32] = {};
         ::GetWindowTextA(bound.edit, shown, static_cast<int>(sizeof shown));
         if (text != shown) ::SetWindowTextA(bound.edit, text.c_str());
+        if (::GetFocus() == bound.edit) {
+          const auto end = static_cast<WPARAM>(text.size());
+          ::SendMessageA(bound.edit, EM_SETSEL, end, static_cast<LPARAM>(end));
+        }
       }
       break;
     }
@@ -750,10 +767,29 @@ bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT messag
   auto down = [&](std::int16_t button) {
     if (mouseDown) Run([&] { mouseDown(button, ShiftOf(wParam), x, y); });
   };
+  if (message == WM_MOUSEMOVE) {
+    if (mouseMove) Run([&] { mouseMove(ButtonsOf(wParam), ShiftOf(wParam), x, y); });
+    return true;
+  }
+  // A disabled control whose window stays enabled (a picture button) follows the mouse and
+  // takes nothing else: no press, no click.
+  if (control != nullptr && !control->Enabled()) {
+    switch (message) {
+      case WM_LBUTTONDOWN:
+      case WM_LBUTTONDBLCLK:
+      case WM_LBUTTONUP:
+      case WM_RBUTTONDOWN:
+      case WM_RBUTTONDBLCLK:
+      case WM_MBUTTONDOWN:
+      case WM_MBUTTONDBLCLK:
+        if (pressed && ::GetCapture() == window) ::ReleaseCapture();
+        pressed = false;
+        return true;
+      default:
+        break;
+    }
+  }
   switch (message) {
-    case WM_MOUSEMOVE:
-      if (mouseMove) Run([&] { mouseMove(ButtonsOf(wParam), ShiftOf(wParam), x, y); });
-      return true;
     case WM_LBUTTONDBLCLK:
       if (dblClick) {
         pressed = false;

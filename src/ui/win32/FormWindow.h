@@ -308,6 +308,8 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // A window that shows the caption takes the new one; then the windows are drawn again.
   void ApplyCaption(BoundControl& bound);
   void EnableWindows(const BoundControl& bound);
+  // The control was given the focus in the model: its window takes the keyboard focus.
+  void ApplyFocus(const BoundControl& bound);
   HFONT CaptionFont() const { return font_.Get(); }
   void UseCaptionFont(HWND window) const;
   HBRUSH BrushOf(std::uint32_t color);
