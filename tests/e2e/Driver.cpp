@@ -18,6 +18,10 @@
 //       made to name what can't become a wallpaper, <entry> ("<collection>\<file>") being a
 //       packed file that is no picture; each change shows a message box and logs a line, and
 //       the change of the manifest's first picture works afterwards.
+//   e2e_driver real-window <result file> <screenshot folder> <screenshot prefix>
+//       One run where the real window must do what the controls do (RealWindow.cpp): the
+//       disabled CmdApply under the pointer, numbers typed into the spin edits, the focus after a
+//       collection is removed. The script runs it taken for "Windows XP".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -40,6 +44,7 @@
 #include "Driving.h"
 #include "IconChanges.h"
 #include "Navigation.h"
+#include "RealWindow.h"
 #include "Registry.h"
 #include "Settings.h"
 #include "WallpaperFailures.h"
@@ -483,6 +488,14 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   return result.Finish();
 }
 
+int RealWindowRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& shotPrefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunRealWindow(OwnFolder() + "quorvane.exe", screenshotFolder, shotPrefix, result.Cases());
+  return result.Finish();
+}
+
 int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
                 const std::string& manifest) {
   ResultFile result(resultPath);
@@ -539,6 +552,7 @@ int main(int argc, char** argv) {
     return RunModes(argv[2], argv[3], argc == 5 ? argv[4] : "");
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
+  if (command == "real-window" && argc == 5) return RealWindowRun(argv[2], argv[3], argv[4]);
   if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
   if (command == "wallpaper-failures" && argc == 6) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);
