@@ -11,6 +11,7 @@
 #include "platform/Application.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
+#include "platform/CodePages.h"
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
@@ -35,6 +36,7 @@
 #include "platform/portable/PortableApplication.h"
 #include "platform/portable/PortableClipboard.h"
 #include "platform/portable/PortableClock.h"
+#include "platform/portable/PortableCodePages.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
@@ -85,6 +87,7 @@ class PortablePlatform {
   DecodedPictures& Pictures() { return pictures_.Get(); }
   RecordingWallpaper& Wallpaper() { return wallpaper_.Get(); }
   PortableWindowActions& WindowActions() { return windowActions_.Get(); }
+  PortableCodePages& CodePages() { return codePages_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -108,6 +111,7 @@ class PortablePlatform {
   Installed<platform::Pictures, DecodedPictures> pictures_;
   Installed<platform::Wallpaper, RecordingWallpaper> wallpaper_;
   Installed<platform::WindowActions, PortableWindowActions> windowActions_;
+  Installed<platform::CodePages, PortableCodePages> codePages_;
 };
 
 }  // namespace quorvane::platform::portable
