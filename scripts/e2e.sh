@@ -5,7 +5,9 @@
 # through "Quorvane.Exit", and what a run leaves on the machine (the program's registry key, its
 # data folder with Empty.ico), the pages, zones and hover pictures driven by the pointer; then
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
-# its command, at a display scaling of 150 %; then the wallpaper settings dialog over two collections
+# its command, at a display scaling of 150 %, and at 100 % where the real window must do what
+# its controls do (the disabled CmdApply under the pointer, two digits typed into each spin edit,
+# the focus after a collection is removed); then the wallpaper settings dialog over two collections
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good

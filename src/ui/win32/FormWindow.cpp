@@ -439,33 +439,27 @@ void FormWindow::ApplyValue(BoundControl& record) {
     }
     case Kind::Spin: {
       const auto& spin = static_cast<ValueControl&>(*bound.control);
+      // While the user types, each digit that makes a number sets the value, and the value
+      // comes back here: an edit that reads as the value already is left alone, so that its
+      // caret and selection stay where the user has them (the up-down reads its position from
+      // the edit before each step of its arrows). A value the handlers made of it otherwise is
+      // written in, with the caret behind it for the next key.
+      std::int32_t typed = 0;
+      if (bound.typing && ReadSpinNumber(bound, typed) && typed == spin.Value()) break;
       if (bound.upDown != nullptr) {
         // Both bounds 0: no bounds of its own.
         const bool bounded = spin.Min != 0 || spin.Max != 0;
-        const int low = bounded ? spin.Min : -INT_MAX;
-        const int high = bounded ? spin.Max : INT_MAX;
-        int shownLow = 0;
-        int shownHigh = 0;
-        ::SendMessageA(bound.upDown, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&shownLow),
-                       reinterpret_cast<LPARAM>(&shownHigh));
-        if (shownLow != low || shownHigh != high) {
-          ::SendMessageA(bound.upDown, UDM_SETRANGE32, static_cast<WPARAM>(low), high);
-        }
+        ::SendMessageA(bound.upDown, UDM_SETRANGE32,
+                       static_cast<WPARAM>(bounded ? spin.Min : -INT_MAX),
+                       bounded ? spin.Max : INT_MAX);
+        ::SendMessageA(bound.upDown, UDM_SETPOS32, 0, spin.Value());
       }
-      // While the user types, each digit that makes a number sets the value, and the value
-      // comes back here: the edit that reads as the value already is left alone, so that its
-      // caret and selection stay where the user has them. (The up-down reads its position from
-      // the edit before each step of its arrows.) Any other value is written in, and the caret
-      // goes behind it for the next key.
-      std::int32_t typed = 0;
-      if (ReadSpinNumber(bound, typed) && typed == spin.Value()) break;
-      if (bound.upDown != nullptr) ::SendMessageA(bound.upDown, UDM_SETPOS32, 0, spin.Value());
       if (bound.edit != nullptr) {
         const std::string text = std::to_string(spin.Value());
         char shown[32] = {};
         ::GetWindowTextA(bound.edit, shown, static_cast<int>(sizeof shown));
         if (text != shown) ::SetWindowTextA(bound.edit, text.c_str());
-        if (::GetFocus() == bound.edit) {
+        if (bound.typing) {
           const auto end = static_cast<WPARAM>(text.size());
           ::SendMessageA(bound.edit, EM_SETSEL, end, static_cast<LPARAM>(end));
         }
@@ -889,7 +883,16 @@ void FormWindow::SpinEdited(BoundControl& bound) {
   auto& spin = static_cast<ValueControl&>(*bound.control);
   const bool bounded = spin.Min != 0 || spin.Max != 0;
   if (bounded && (value < spin.Min || value > spin.Max)) return;
-  if (value != spin.Value()) Run([&] { spin.Value(value); });
+  if (value == spin.Value()) return;
+  // The value comes from the keys the user is typing: ApplyValue leaves the edit to them.
+  struct Typing {
+    explicit Typing(bool& flag) : set(flag) { set = true; }
+    ~Typing() { set = false; }
+    Typing(const Typing&) = delete;
+    Typing& operator=(const Typing&) = delete;
+    bool& set;
+  } typing(bound.typing);
+  Run([&] { spin.Value(value); });
 }
 
 // --- tree views -------------------------------------------------------------------------------
