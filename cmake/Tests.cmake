@@ -45,6 +45,17 @@ if(WIN32)
   add_test(NAME conformance_win32_xp
     COMMAND bash ${CMAKE_SOURCE_DIR}/scripts/run-as-xp.sh $<TARGET_FILE:conformance_win32>
             --gtest_color=no --gtest_filter=CatalogueConformance.*)
+  # The ANSI code page's conversions once more under two other code pages: Wine takes the
+  # locale, and with it the code page, from LC_ALL.
+  foreach(variant "ru_RU.UTF-8=1251" "ja_JP.UTF-8=932")
+    string(REPLACE "=" ";" parts ${variant})
+    list(GET parts 0 locale)
+    list(GET parts 1 page)
+    add_test(NAME conformance_win32_cp${page}
+      COMMAND conformance_win32 --gtest_color=no --gtest_filter=CodePagesConformance.*)
+    set_tests_properties(conformance_win32_cp${page} PROPERTIES
+      ENVIRONMENT "LC_ALL=${locale};QUORVANE_EXPECT_ACP=${page}")
+  endforeach()
   # The program's own icon picker, driven on a virtual screen: a dialog needs a display, which
   # the run under ctest has not, so the program runs in a virtual desktop of its own.
   add_executable(icon_picker_win32 tests/iconpicker/IconPickerFallback.cpp)

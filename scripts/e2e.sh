@@ -5,7 +5,9 @@
 # through "Quorvane.Exit", and what a run leaves on the machine (the program's registry key, its
 # data folder with Empty.ico), the pages, zones and hover pictures driven by the pointer; then
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
-# its command, at a display scaling of 150 %; then the wallpaper settings dialog over two collections
+# its command, at a display scaling of 150 %, and at 100 % where the real window must do what
+# its controls do (the disabled CmdApply under the pointer, two digits typed into each spin edit,
+# the focus after a collection is removed); then the wallpaper settings dialog over two collections
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
@@ -119,6 +121,38 @@ at_scaling() {
     >/dev/null 2>&1 </dev/null
 }
 
+# real_window_run: the window where it must do what its controls do (a disabled button under the
+# pointer, numbers typed into the spin edits, the focus after a removal), taken for "Windows XP".
+# The removal needs two collections: each a packed bitmap drawn here, put into the data folder
+# beforehand; what is left of them is removed afterwards.
+real_window_run() {
+  echo "== end to end: the real window as its controls are (\"Windows XP\")"
+  local appdata data_w data_u picture="$work/focus.bmp" name packed=1
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  if [ -z "$appdata" ] || [ -z "$data_u" ] || [ ! -f "$bin/cab_probe.exe" ]; then
+    report+="FAIL real window: no data folder, or $bin/cab_probe.exe is missing"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  fi
+  mkdir -p "$data_u"
+  "$magick" -size 48x32 xc:'#3366cc' "BMP3:$picture"
+  for name in FocusOne FocusTwo; do
+    rm -rf "${data_u:?}/$name" "$data_u/$name.RXS"
+    wine "$bin/cab_probe.exe" pack "$data_w\\$name.RXS" "$(winepath -w "$picture" 2>/dev/null)" \
+      >>"$work/wine.log" 2>&1 </dev/null || packed=0
+  done
+  if [ "$packed" = 1 ]; then
+    drive "$work/real-window.txt" real-window "$shots_w" e2e-real-
+  else
+    report+="FAIL real window: cab_probe.exe could not pack the collections"$'\n'"0 passed, 1 failed"$'\n'
+  fi
+  for name in FocusOne FocusTwo; do
+    rm -rf "${data_u:?}/$name" "$data_u/$name.RXS"
+  done
+  rm -f "$picture"
+}
+
 : >"$work/wine.log"
 echo "== end to end: run modes, controls, side effects (desktop $desktop on $DISPLAY)"
 # The driver reads Wine's diagnostics of the programs it starts from the log they go to.
@@ -128,6 +162,7 @@ as_xp
 at_scaling 144
 drive "$work/navigation-xp.txt" navigation "$shots_w" e2e-xp-150-
 at_scaling 96
+real_window_run
 as_vista
 echo "== end to end: the tray menu at 150 %"
 at_scaling 144

@@ -87,6 +87,7 @@ void FrmMain::CmdWallpaperControl_Click(std::int16_t Index) {
     return;
   }
   // The strip shows the collection now selected: its node click, twice over.
+  TvCollections.SetFocus();
   TvCollections.Select(TvCollections.SelectedItem() != 0 ? TvCollections.SelectedItem() : 1);
   DoEvents();
   DoEvents();

@@ -1,11 +1,13 @@
 #include "icons/modextracticon.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "base/Failure.h"
 #include "base/Int16.h"
 #include "core/FrmMain.h"
 #include "base/Text.h"
+#include "platform/CodePages.h"
 #include "platform/ProfileFiles.h"
 #include "platform/Service.h"
 
@@ -29,38 +31,33 @@ std::uint32_t gIconPickerOwner = 0;
 
 platform::Icons& Icons() { return platform::Use<platform::Icons>(); }
 
-// The active code page, Windows-1252, to and from the platform's wide characters. The five
-// bytes the code page leaves unassigned stand for the control characters of the same number.
-constexpr char16_t kHighCodePoints[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
+// The picker's buffer between the system's strings and the platform's wide characters, by the
+// system's ANSI code page: widened unit for unit in the platform's way (a NUL stays a NUL), and
+// narrowed again with "?" for a character the code page lacks.
 std::u16string Widen(const std::string& text) {
-  std::u16string wide;
-  wide.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    wide.push_back(byte >= 0x80 && byte < 0xA0 ? kHighCodePoints[byte - 0x80]
-                                               : static_cast<char16_t>(byte));
+  if (text.empty()) return std::u16string();
+  auto& pages = platform::Use<platform::CodePages>();
+  const auto length = static_cast<std::int32_t>(text.size());
+  const std::int32_t needed =
+      pages.MultiByteToWideChar(platform::codepage::kAnsi, 0, text.data(), length, nullptr, 0);
+  std::u16string wide(static_cast<std::size_t>(std::max(needed, 0)), u'\0');
+  if (needed > 0) {
+    pages.MultiByteToWideChar(platform::codepage::kAnsi, 0, text.data(), length, wide.data(),
+                              needed);
   }
   return wide;
 }
 
-// A character the code page lacks becomes "?".
 std::string Narrow(const std::u16string& wide) {
-  std::string text;
-  text.reserve(wide.size());
-  for (const char16_t unit : wide) {
-    char c = '?';
-    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF)) {
-      c = static_cast<char>(unit);
-    } else {
-      for (unsigned i = 0; i < 32; ++i) {
-        if (kHighCodePoints[i] == unit) c = static_cast<char>(0x80 + i);
-      }
-    }
-    text.push_back(c);
+  if (wide.empty()) return std::string();
+  auto& pages = platform::Use<platform::CodePages>();
+  const auto length = static_cast<std::int32_t>(wide.size());
+  const std::int32_t needed =
+      pages.WideCharToMultiByte(platform::codepage::kAnsi, 0, wide.data(), length, nullptr, 0);
+  std::string text(static_cast<std::size_t>(std::max(needed, 0)), '\0');
+  if (needed > 0) {
+    pages.WideCharToMultiByte(platform::codepage::kAnsi, 0, wide.data(), length, text.data(),
+                              needed);
   }
   return text;
 }
@@ -160,6 +157,10 @@ std::string PickIcon(std::string& Path, std::int32_t& Number) {
   const std::int64_t padding = kPathBuffer - static_cast<std::int64_t>(Path.size());
   if (padding < 0) RaiseInvalidProcedureCall();
   std::u16string buffer = Widen(Path + std::string(static_cast<std::size_t>(padding), '\0'));
+  // A character of two bytes is one unit: the dialog has its 260 units all the same.
+  if (buffer.size() < static_cast<std::size_t>(kPathBuffer)) {
+    buffer.resize(static_cast<std::size_t>(kPathBuffer), u'\0');
+  }
   if (Icons().PickIconDlg(IconPickerOwner(), buffer.data(),
                           static_cast<std::uint32_t>(kPathBuffer), Number) != 1) {
     return std::string();

@@ -38,6 +38,11 @@ void Control::Tag(const std::string& value) {
   Notify(Property::Tag);
 }
 
+void Control::SetFocus() {
+  if (owner_ != nullptr) owner_->activeControl_ = this;
+  Notify(Property::Focus);
+}
+
 void Control::Left(std::int32_t value) {
   left_ = value;
   Notify(Property::Position);
@@ -59,8 +64,6 @@ void Control::Height(std::int32_t value) {
 }
 
 void Control::ZOrder() { Notify(Property::ZOrder); }
-
-void Control::SetFocus() { Notify(Property::Focus); }
 
 void CaptionedControl::Caption(const std::string& value) {
   caption_ = value;

@@ -29,7 +29,7 @@ using quorvane::Pixels;
 enum class Property {
   Visible, Enabled, Tag, Position, Caption, Picture, Image, Value, Nodes, NodeState, Images,
   // Asked of the control's window: to stand in front of the others of its container, to take
-  // the keyboard focus.
+  // the keyboard focus (SetFocus).
   ZOrder, Focus,
 };
 
@@ -68,6 +68,9 @@ class Control {
   void Enabled(bool value);
   const std::string& Tag() const { return tag_; }
   void Tag(const std::string& value);
+  // Gives the control the keyboard focus: it becomes its form's ActiveControl, and the binding
+  // moves the real focus to its window.
+  void SetFocus();
 
   std::int32_t Left() const { return left_; }
   std::int32_t Top() const { return top_; }
@@ -80,8 +83,6 @@ class Control {
 
   // Puts the control in front of the other controls of its container.
   void ZOrder();
-  // Gives the control the keyboard focus.
-  void SetFocus();
 
   // Handlers: the form's routines, connected by the form.
   std::function<void()> Click;

@@ -58,6 +58,7 @@ std::vector<Timer*> Form::Timers() const {
 void Form::Register(Control& control) { controls_.push_back(&control); }
 
 void Form::Forget(Control& control) {
+  if (activeControl_ == &control) activeControl_ = nullptr;
   controls_.erase(std::remove(controls_.begin(), controls_.end(), &control), controls_.end());
 }
 

@@ -121,6 +121,8 @@ class Form {
   Control* FindControl(const std::string& name, std::int32_t index = -1) const;
   // The form's timers, which its binding runs.
   std::vector<Timer*> Timers() const;
+  // The control last given the focus by SetFocus; null before any was.
+  Control* ActiveControl() const { return activeControl_; }
 
   // A binding watches the form's own properties through this.
   void Observe(FormObserver* observer) { observer_ = observer; }
@@ -134,6 +136,7 @@ class Form {
   bool visible_ = false;
   bool loaded_ = false;
   std::vector<Control*> controls_;
+  Control* activeControl_ = nullptr;
   FormObserver* observer_ = nullptr;
 };
 

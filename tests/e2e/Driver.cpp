@@ -28,6 +28,10 @@
 //       to the manifest's first picture, "Exit"; then the close requests.
 //   e2e_driver tray-menu <result file> <screenshot folder> <shot prefix>
 //       The tray menu alone, photographed, then "Exit": for a run at another display scaling.
+//   e2e_driver real-window <result file> <screenshot folder> <screenshot prefix>
+//       One run where the real window must do what the controls do (RealWindow.cpp): the
+//       disabled CmdApply under the pointer, numbers typed into the spin edits, the focus after a
+//       collection is removed. The script runs it taken for "Windows XP".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -50,6 +54,7 @@
 #include "Driving.h"
 #include "IconChanges.h"
 #include "Navigation.h"
+#include "RealWindow.h"
 #include "Registry.h"
 #include "Settings.h"
 #include "SlideShow.h"
@@ -495,6 +500,14 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   return result.Finish();
 }
 
+int RealWindowRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& shotPrefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunRealWindow(OwnFolder() + "quorvane.exe", screenshotFolder, shotPrefix, result.Cases());
+  return result.Finish();
+}
+
 int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
                 const std::string& manifest) {
   ResultFile result(resultPath);
@@ -575,6 +588,7 @@ int main(int argc, char** argv) {
     return RunModes(argv[2], argv[3], argc == 5 ? argv[4] : "");
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
+  if (command == "real-window" && argc == 5) return RealWindowRun(argv[2], argv[3], argv[4]);
   if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
   if (command == "wallpaper-failures" && argc == 6) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);

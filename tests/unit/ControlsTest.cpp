@@ -6,6 +6,7 @@
 
 #include "base/Failure.h"
 #include "ui/Controls.h"
+#include "ui/Form.h"
 
 namespace quorvane::ui {
 namespace {
@@ -56,6 +57,31 @@ TEST(TreeViewTest, KeysAreUniqueAndParentsMustExist) {
   EXPECT_EQ(tree.Add("child", 1, 1, "c", 1), 2);
   EXPECT_EQ(tree.Item(2).Parent, 1);
   EXPECT_THROW(tree.Add("orphan", 1, 1, "o", 9), Failure);
+}
+
+TEST(FocusTest, SetFocusMakesTheControlActiveAndTellsTheBinding) {
+  Form form("FrmTest");
+  TreeView tree(form, "TvTest");
+  PictureBox box(form, "PicTest");
+  Recorder recorder;
+  tree.Observe(&recorder);
+  EXPECT_EQ(form.ActiveControl(), nullptr);
+  tree.SetFocus();
+  EXPECT_EQ(form.ActiveControl(), &tree);
+  ASSERT_EQ(recorder.seen.size(), 1u);
+  EXPECT_EQ(recorder.seen[0].second, Property::Focus);
+  box.SetFocus();
+  EXPECT_EQ(form.ActiveControl(), &box);
+}
+
+TEST(FocusTest, AControlThatGoesIsNoLongerActive) {
+  Form form("FrmTest");
+  {
+    TreeView tree(form, "TvTest");
+    tree.SetFocus();
+    EXPECT_EQ(form.ActiveControl(), &tree);
+  }
+  EXPECT_EQ(form.ActiveControl(), nullptr);
 }
 
 TEST(ImageListTest, NumbersFromOneAndTheFirstImageSetsTheSize) {

@@ -22,6 +22,7 @@
 #include "icons/modextracticon.h"
 #include "platform/Icons.h"
 #include "platform/Service.h"
+#include "platform/portable/PortableCodePages.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableIcons.h"
 #include "platform/MemorySurface.h"
@@ -159,6 +160,8 @@ class IconSourcesTest : public ::testing::Test {
   RecordingIcons icons_{gdi_};
   platform::ScopedService<platform::DeviceContexts> gdiService_{gdi_};
   platform::ScopedService<platform::Icons> iconsService_{icons_};
+  platform::portable::PortableCodePages pages_;
+  platform::ScopedService<platform::CodePages> pagesService_{pages_};
   FrmMain form_;
   MainWindowScope scope_{form_};
   std::filesystem::path folder_;

@@ -313,7 +313,10 @@ TEST_F(WallpaperTest, RemovalAsksFirstThenDeletesTheArchiveAndItsFolderAndListsA
   int clicks = 0;
   form_.TvCollections.Click = [&] { ++clicks; };
   boxes_.Answer(platform::msgbox::kYes);
+  EXPECT_EQ(form_.ActiveControl(), nullptr);
   form_.CmdWallpaperControl_Click(2);
+  // The tree that is left takes the keyboard focus.
+  EXPECT_EQ(form_.ActiveControl(), &form_.TvCollections);
   EXPECT_FALSE(fs::exists(Host(core::gDataFolder + "Sea.RXS")));
   EXPECT_FALSE(fs::exists(Host(core::gDataFolder + "Sea")));
   ASSERT_EQ(form_.TvCollections.Count(), 1);
@@ -336,6 +339,7 @@ TEST_F(WallpaperTest, RemovingTheLastCollectionEmptiesTheStripAndRunsNoNodeClick
   boxes_.Answer(platform::msgbox::kYes);
   form_.CmdWallpaperControl_Click(2);
   EXPECT_EQ(form_.TvCollections.Count(), 0);
+  EXPECT_EQ(form_.ActiveControl(), nullptr);  // no tree left to take the focus
   EXPECT_TRUE(first.Picture().Empty());
   EXPECT_EQ(first.Tag(), "");
   EXPECT_EQ(first.Caption(), "");

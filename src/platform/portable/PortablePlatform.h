@@ -11,6 +11,7 @@
 #include "platform/Application.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
+#include "platform/CodePages.h"
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
@@ -36,6 +37,7 @@
 #include "platform/portable/PortableApplication.h"
 #include "platform/portable/PortableClipboard.h"
 #include "platform/portable/PortableClock.h"
+#include "platform/portable/PortableCodePages.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
@@ -88,6 +90,7 @@ class PortablePlatform {
   RecordingWallpaper& Wallpaper() { return wallpaper_.Get(); }
   PortableWindowActions& WindowActions() { return windowActions_.Get(); }
   PortableMenus& Menus() { return menus_.Get(); }
+  PortableCodePages& CodePages() { return codePages_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -112,6 +115,7 @@ class PortablePlatform {
   Installed<platform::Wallpaper, RecordingWallpaper> wallpaper_;
   Installed<platform::WindowActions, PortableWindowActions> windowActions_;
   Installed<platform::Menus, PortableMenus> menus_;
+  Installed<platform::CodePages, PortableCodePages> codePages_;
 };
 
 }  // namespace quorvane::platform::portable

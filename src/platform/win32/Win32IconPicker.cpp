@@ -110,42 +110,20 @@ DialogTemplate PickerTemplate() {
 
 // --- the file dialog, from comdlg32 ---------------------------------------------------------
 
-using OpenFileProc = BOOL(WINAPI*)(LPOPENFILENAMEA);
+using OpenFileProc = BOOL(WINAPI*)(LPOPENFILENAMEW);
 
+// The wide form of the file dialog: the path goes to it and comes back in the picker's own wide
+// characters, with no code page between.
 OpenFileProc OpenFileDialog() {
   static const OpenFileProc proc = [] {
     // Kept loaded for the process's lifetime, as the shell's own modules are.
     HMODULE dialogs = ::LoadLibraryA("comdlg32.dll");
     if (dialogs == nullptr) return OpenFileProc{nullptr};
-    const FARPROC found = ::GetProcAddress(dialogs, "GetOpenFileNameA");
+    const FARPROC found = ::GetProcAddress(dialogs, "GetOpenFileNameW");
     // Through a function type without arguments, which may be cast to any other.
     return reinterpret_cast<OpenFileProc>(reinterpret_cast<void (*)()>(found));
   }();
   return proc;
-}
-
-std::string ToActiveCodePage(const std::wstring& text) {
-  if (text.empty()) return std::string();
-  const int size = ::WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                         nullptr, 0, nullptr, nullptr);
-  std::string out(static_cast<std::size_t>(std::max(size, 0)), '\0');
-  if (size > 0) {
-    ::WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), out.data(),
-                          size, nullptr, nullptr);
-  }
-  return out;
-}
-
-std::wstring FromActiveCodePage(const std::string& text) {
-  if (text.empty()) return std::wstring();
-  const int size =
-      ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring out(static_cast<std::size_t>(std::max(size, 0)), L'\0');
-  if (size > 0) {
-    ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), out.data(),
-                          size);
-  }
-  return out;
 }
 
 // --- the files of icons ---------------------------------------------------------------------
@@ -412,14 +390,14 @@ class Picker {
   void Browse() {
     const OpenFileProc open = OpenFileDialog();
     if (open == nullptr) return;
-    std::string file = ToActiveCodePage(FieldText());
+    std::wstring file = FieldText();
     constexpr std::size_t kRoom = 4096;
     if (file.size() >= kRoom) file.clear();
-    file.resize(kRoom, '\0');
-    static const char kFilter[] =
-        "Icon files (*.ico;*.exe;*.dll;*.icl)\0*.ico;*.exe;*.dll;*.icl\0"
-        "All files (*.*)\0*.*\0";
-    OPENFILENAMEA request{};
+    file.resize(kRoom, L'\0');
+    static const wchar_t kFilter[] =
+        L"Icon files (*.ico;*.exe;*.dll;*.icl)\0*.ico;*.exe;*.dll;*.icl\0"
+        L"All files (*.*)\0*.*\0";
+    OPENFILENAMEW request{};
     request.lStructSize = sizeof request;
     request.hwndOwner = dialog_;
     request.lpstrFilter = kFilter;
@@ -429,10 +407,9 @@ class Picker {
     request.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY |
                     OFN_NOCHANGEDIR;
     if (open(&request) == FALSE) return;
-    file.resize(file.find('\0'));
-    const std::wstring chosen = FromActiveCodePage(file);
-    ::SetWindowTextW(Item(ip::kPathId), chosen.c_str());
-    Load(chosen, 0);
+    file.resize(file.find(L'\0'));
+    ::SetWindowTextW(Item(ip::kPathId), file.c_str());
+    Load(file, 0);
     if (Selected() >= 0) ::SetFocus(Item(ip::kIconListId));
   }
 

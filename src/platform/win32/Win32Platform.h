@@ -10,6 +10,7 @@
 #include "platform/Application.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
+#include "platform/CodePages.h"
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
@@ -31,6 +32,7 @@
 #include "platform/win32/Win32Application.h"
 #include "platform/win32/Win32Clipboard.h"
 #include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32CodePages.h"
 #include "platform/win32/Win32CollectionPacker.h"
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
@@ -77,6 +79,7 @@ class Win32Platform {
   Win32Pictures& Pictures() { return pictures_.Get(); }
   Win32Wallpaper& Wallpaper() { return wallpaper_.Get(); }
   Win32WindowActions& WindowActions() { return windowActions_.Get(); }
+  Win32CodePages& CodePages() { return codePages_.Get(); }
 
  private:
   Installed<platform::Process, Win32Process> process_;
@@ -99,6 +102,7 @@ class Win32Platform {
   Installed<platform::Pictures, Win32Pictures> pictures_;
   Installed<platform::Wallpaper, Win32Wallpaper> wallpaper_;
   Installed<platform::WindowActions, Win32WindowActions> windowActions_;
+  Installed<platform::CodePages, Win32CodePages> codePages_;
 };
 
 }  // namespace quorvane::platform::win32

@@ -160,7 +160,7 @@ void FormWindow::Changed(Control& control, Property property) {
       ::SetWindowPos(bound.window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
       break;
     case Property::Focus:
-      ::SetFocus(bound.edit != nullptr ? bound.edit : bound.window);
+      ApplyFocus(bound);
       break;
     case Property::Tag:
       break;
@@ -298,9 +298,20 @@ void FormWindow::ApplyCaption(BoundControl& bound) {
 
 void FormWindow::EnableWindows(const BoundControl& bound) {
   const BOOL enabled = bound.control->Enabled() ? TRUE : FALSE;
-  ::EnableWindow(bound.window, enabled);
+  // A picture box stays enabled as a window: a disabled one still follows the mouse (a picture
+  // button shows its hover picture all the same), and Mouse lets the model's Enabled decide
+  // that it takes no click.
+  ::EnableWindow(bound.window, bound.kind == Kind::Picture ? TRUE : enabled);
   if (bound.edit != nullptr) ::EnableWindow(bound.edit, enabled);
   if (bound.upDown != nullptr) ::EnableWindow(bound.upDown, enabled);
+}
+
+void FormWindow::ApplyFocus(const BoundControl& bound) {
+  // A spin edit's focus is its edit's; a window that can't take it (hidden or disabled) keeps
+  // the focus where it is, as the system does.
+  HWND target = bound.edit != nullptr ? bound.edit : bound.window;
+  if (::IsWindowVisible(target) == 0 || ::IsWindowEnabled(target) == 0) return;
+  ::SetFocus(target);
 }
 
 void FormWindow::UseCaptionFont(HWND window) const {

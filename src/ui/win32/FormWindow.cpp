@@ -499,6 +499,13 @@ void FormWindow::ApplyValue(BoundControl& record) {
     }
     case Kind::Spin: {
       const auto& spin = static_cast<ValueControl&>(*bound.control);
+      // While the user types, each digit that makes a number sets the value, and the value
+      // comes back here: an edit that reads as the value already is left alone, so that its
+      // caret and selection stay where the user has them (the up-down reads its position from
+      // the edit before each step of its arrows). A value the handlers made of it otherwise is
+      // written in, with the caret behind it for the next key.
+      std::int32_t typed = 0;
+      if (bound.typing && ReadSpinNumber(bound, typed) && typed == spin.Value()) break;
       if (bound.upDown != nullptr) {
         // Both bounds 0: no bounds of its own.
         const bool bounded = spin.Min != 0 || spin.Max != 0;
@@ -512,6 +519,10 @@ void FormWindow::ApplyValue(BoundControl& record) {
         char shown[32] = {};
         ::GetWindowTextA(bound.edit, shown, static_cast<int>(sizeof shown));
         if (text != shown) ::SetWindowTextA(bound.edit, text.c_str());
+        if (bound.typing) {
+          const auto end = static_cast<WPARAM>(text.size());
+          ::SendMessageA(bound.edit, EM_SETSEL, end, static_cast<LPARAM>(end));
+        }
       }
       break;
     }
@@ -843,10 +854,29 @@ bool FormWindow::Mouse(Control* control, bool& pressed, HWND window, UINT messag
   auto down = [&](std::int16_t button) {
     if (mouseDown) Run([&] { mouseDown(button, ShiftOf(wParam), x, y); });
   };
+  if (message == WM_MOUSEMOVE) {
+    if (mouseMove) Run([&] { mouseMove(ButtonsOf(wParam), ShiftOf(wParam), x, y); });
+    return true;
+  }
+  // A disabled control whose window stays enabled (a picture button) follows the mouse and
+  // takes nothing else: no press, no click.
+  if (control != nullptr && !control->Enabled()) {
+    switch (message) {
+      case WM_LBUTTONDOWN:
+      case WM_LBUTTONDBLCLK:
+      case WM_LBUTTONUP:
+      case WM_RBUTTONDOWN:
+      case WM_RBUTTONDBLCLK:
+      case WM_MBUTTONDOWN:
+      case WM_MBUTTONDBLCLK:
+        if (pressed && ::GetCapture() == window) ::ReleaseCapture();
+        pressed = false;
+        return true;
+      default:
+        break;
+    }
+  }
   switch (message) {
-    case WM_MOUSEMOVE:
-      if (mouseMove) Run([&] { mouseMove(ButtonsOf(wParam), ShiftOf(wParam), x, y); });
-      return true;
     case WM_LBUTTONDBLCLK:
       if (dblClick) {
         pressed = false;
@@ -952,7 +982,16 @@ void FormWindow::SpinEdited(BoundControl& bound) {
   auto& spin = static_cast<ValueControl&>(*bound.control);
   const bool bounded = spin.Min != 0 || spin.Max != 0;
   if (bounded && (value < spin.Min || value > spin.Max)) return;
-  if (value != spin.Value()) Run([&] { spin.Value(value); });
+  if (value == spin.Value()) return;
+  // The value comes from the keys the user is typing: ApplyValue leaves the edit to them.
+  struct Typing {
+    explicit Typing(bool& flag) : set(flag) { set = true; }
+    ~Typing() { set = false; }
+    Typing(const Typing&) = delete;
+    Typing& operator=(const Typing&) = delete;
+    bool& set;
+  } typing(bound.typing);
+  Run([&] { spin.Value(value); });
 }
 
 // --- tree views -------------------------------------------------------------------------------

@@ -122,6 +122,7 @@ struct BoundControl {
   HWND upDown = nullptr;
   bool showsCaption = false;  // the window's text is the control's caption
   bool pressed = false;       // the left button went down on the window and has not come up yet
+  bool typing = false;        // spin edits: the value is being set from what the user typed
   // Picture boxes: whether the persistent image is shown rather than the Picture.
   bool showsDrawn = false;
   // Tree views: one item per node, by position from 1, and what each shows.
@@ -327,6 +328,8 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // A window that shows the caption takes the new one; then the windows are drawn again.
   void ApplyCaption(BoundControl& bound);
   void EnableWindows(const BoundControl& bound);
+  // The control was given the focus in the model: its window takes the keyboard focus.
+  void ApplyFocus(const BoundControl& bound);
   HFONT CaptionFont() const { return font_.Get(); }
   void UseCaptionFont(HWND window) const;
   HBRUSH BrushOf(std::uint32_t color);
