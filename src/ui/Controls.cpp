@@ -119,6 +119,10 @@ void OptionButton::Group(std::initializer_list<OptionButton*> buttons) {
   for (OptionButton* button : buttons) button->group_.assign(buttons.begin(), buttons.end());
 }
 
+void OptionButton::Group(const std::vector<OptionButton*>& buttons) {
+  for (OptionButton* button : buttons) button->group_ = buttons;
+}
+
 void ValueControl::Value(std::int32_t value) {
   const bool changed = value != value_;
   value_ = value;
