@@ -112,8 +112,11 @@ void FrmMain::LoadThumbnailStrip() {
           const double share = static_cast<double>(j + 1) / count * 100.0;
           SetThumbnailProgress(CheckedInt16(std::llround(share)), file);
         },
-        // Only one full picture is held at a time.
+        // Only one full picture is held at a time. The box sizes itself to its picture: with
+        // none it has no area either.
         [&] { picLoad.Picture(ui::Pixels{}); },
+        [&] { picLoad.Width(0); },
+        [&] { picLoad.Height(0); },
         [&] { picLoad.Cls(); });
     // A file that can't be decoded leaves no gap and takes no index.
     const bool loaded = core::AsResult(
