@@ -214,6 +214,9 @@ settings_run() {
 }
 echo "== end to end: the wallpaper settings and the change they make"
 settings_run
+source scripts/e2e-strip.sh
+echo "== end to end: the wallpaper page: the strip, set now, the viewer"
+strip_run
 
 for bmp in "$shots"/e2e-*.bmp; do
   [ -f "$bmp" ] || continue

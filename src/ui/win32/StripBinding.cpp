@@ -117,8 +117,8 @@ void FormWindow::PaintPictureOption(BoundControl& bound, HDC dc) {
   HGDIOBJ oldFont = ::SelectObject(dc, CaptionFont());
   ::SetBkMode(dc, TRANSPARENT);
   ::SetTextColor(dc, option.Enabled() ? RGB(0x20, 0x20, 0x20) : ::GetSysColor(COLOR_GRAYTEXT));
-  RECT text{area.left + 2 + shift, top + 64 + 5 + shift, area.right - 2 + shift,
-            area.bottom - 2 + shift};
+  // The caption was shortened to the button's width less a pixel: it has the whole width.
+  RECT text{area.left + shift, top + 64 + 5 + shift, area.right + shift, area.bottom - 2 + shift};
   std::string caption = option.Caption();
   ::DrawTextA(dc, caption.data(), static_cast<int>(caption.size()), &text,
               DT_CENTER | DT_TOP | DT_SINGLELINE | DT_NOPREFIX);
