@@ -2,10 +2,11 @@
 // collection, fills the strip with one thumbnail a picture and removes the unpacked folder again;
 // the strip is laid out in rows as wide as picFrame holds, scrolled by vsbSlide; the checked
 // thumbnail can be set as wallpaper now, and a double-clicked one opened in the system's viewer.
-#include <cmath>
+#include <cctype>
 #include <string>
 
 #include "base/Int16.h"
+#include "base/Text.h"
 #include "core/FrmMain.h"
 #include "core/MainModule.h"
 #include "core/Regimes.h"
@@ -110,7 +111,7 @@ void FrmMain::LoadThumbnailStrip() {
     core::ResumeEach(
         [&] {
           const double share = static_cast<double>(j + 1) / count * 100.0;
-          SetThumbnailProgress(CheckedInt16(std::llround(share)), file);
+          SetThumbnailProgress(CheckedInt16(text::RoundHalfEven(share)), file);
         },
         // Only one full picture is held at a time. The box sizes itself to its picture: with
         // none it has no area either.

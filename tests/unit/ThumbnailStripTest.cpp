@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,25 @@ TEST_F(ThumbnailStripTest, FillsInAlphabeticalOrderThroughThePatternWithoutGaps)
   EXPECT_EQ(requests[requests.size() - 2], "pointer 11");
   EXPECT_EQ(requests.back(), "pointer 0");
   EXPECT_TRUE(form_.picLoad.Picture().Empty()) << "no full picture is kept";
+}
+
+TEST_F(ThumbnailStripTest, ProgressIsTheShareDoneRoundedToEven) {
+  // Eight files: 12.5 % a file; 1/8 gives 12 and 3/8 gives 38, as halves go to the even number.
+  MakeCollection("Sea", {"1.jpg", "2.jpg", "3.jpg", "4.jpg", "5.jpg", "6.jpg", "7.jpg", "8.jpg"});
+  form_.RefreshCollections();
+  form_.TvCollections.Select(1);
+  std::vector<double> seen;
+  // At every yield the bar's value is read, and the reading waits for the next one.
+  std::function<void()> read = [&] {
+    seen.push_back(form_.picProgress.Value());
+    services_.events.Post(read);
+  };
+  services_.events.Post(read);
+  form_.TvCollections_NodeClick();
+  // The first yield is the one before the files, with the bar at 0 and not yet shown.
+  ASSERT_GE(seen.size(), 9u);
+  EXPECT_EQ(std::vector<double>(seen.begin() + 1, seen.begin() + 9),
+            (std::vector<double>{12, 25, 38, 50, 62, 75, 88, 100}));
 }
 
 TEST_F(ThumbnailStripTest, YieldsOnEveryFileAndOnceBefore) {
