@@ -258,6 +258,9 @@ settings_run() {
 }
 echo "== end to end: the wallpaper settings and the change they make"
 settings_run
+source scripts/e2e-strip.sh
+echo "== end to end: the wallpaper page: the strip, set now, the viewer"
+strip_run
 
 # The slide show's collection "Slides": photographs of Debian's mate-backgrounds, which nobody here
 # made, three JPEGs as they are and three made smaller by ImageMagick, one into a 24-bit bitmap

@@ -1,6 +1,7 @@
 #include "codecs/PictureFormats.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace quorvane::codecs {
@@ -104,6 +105,22 @@ const IconDirectoryEntry& LargestIconEntry(const std::vector<IconDirectoryEntry>
   };
   for (const IconDirectoryEntry& e : entries) {
     if (area(e) > area(*best) || (area(e) == area(*best) && e.bitCount > best->bitCount)) {
+      best = &e;
+    }
+  }
+  return *best;
+}
+
+const IconDirectoryEntry& IconEntryForSize(const std::vector<IconDirectoryEntry>& entries,
+                                           std::int32_t size) {
+  const IconDirectoryEntry* best = &entries.front();
+  const auto distance = [size](const IconDirectoryEntry& e) {
+    return std::abs(static_cast<std::int64_t>(e.width) - size) +
+           std::abs(static_cast<std::int64_t>(e.height) - size);
+  };
+  for (const IconDirectoryEntry& e : entries) {
+    if (distance(e) < distance(*best) ||
+        (distance(e) == distance(*best) && e.bitCount > best->bitCount)) {
       best = &e;
     }
   }

@@ -49,6 +49,10 @@ std::optional<std::vector<IconDirectoryEntry>> ReadIconDirectory(
 
 // The entry to show: the most pixels, then the most bits a pixel, then the first in the file.
 const IconDirectoryEntry& LargestIconEntry(const std::vector<IconDirectoryEntry>& entries);
+// The entry nearest `size` by `size` pixels (the sides' distances added), the deepest among the
+// nearest.
+const IconDirectoryEntry& IconEntryForSize(const std::vector<IconDirectoryEntry>& entries,
+                                           std::int32_t size);
 
 // An icon or cursor file of the same type as `bytes` that holds only `entry`.
 std::vector<std::uint8_t> SingleEntryIconFile(std::span<const std::uint8_t> bytes,

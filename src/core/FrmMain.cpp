@@ -1,6 +1,8 @@
 #include "core/FrmMain.h"
 
 #include "base/Failure.h"
+#include "platform/FileSystem.h"
+#include "platform/Service.h"
 
 namespace quorvane {
 
@@ -82,6 +84,19 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
     imgTop[i].MouseMove = onMove([this, i] { imgTop_MouseMove(static_cast<std::int16_t>(i)); });
     imgTop[i].Click = [this, i] { imgTop_Click(static_cast<std::int16_t>(i)); };
   }
+
+  // The thumbnail strip.
+  filHidden.Pattern = "*.bmp;*.dib;*.rle;*.gif;*.jpg;*.wmf;*.emf;*.ico;*.cur";
+  filHidden.Lister = [](const std::string& folder, std::vector<std::string>& names) {
+    return platform::Use<platform::FileSystem>().ListFiles(folder, names);
+  };
+  TvCollections.Click = [this] { TvCollections_NodeClick(); };
+  vsbSlide.Change = [this] { vsbSlide_Change(); };
+  vsbSlide.Scroll = [this] { vsbSlide_Scroll(); };
+  optThumb.OnConnect([this](ui::GraphicalOptionButton& element, std::int16_t index) {
+    element.DblClick = [this, index] { optThumb_DblClick(index); };
+  });
+  CmdSetAsWallpaper.Click = [this] { CmdSetAsWallpaper_Click(); };
 
   // The automatic wallpaper change: a tick a minute.
   Timer1.Interval = 60000;

@@ -14,6 +14,7 @@
 #include "ui/Controls.h"
 #include "ui/Form.h"
 #include "ui/Layout.h"
+#include "ui/StripControls.h"
 
 namespace quorvane {
 
@@ -115,9 +116,23 @@ class FrmMain : public ui::Form {
   ui::TreeView TvCollections{*this, "TvCollections"};
   ui::ControlArray<ui::Label, 3> CmdWallpaperControl{*this, "CmdWallpaperControl"};
   ui::Label Label13{*this, "Label13"};
-  // The thumbnail strip: graphical option buttons, one a picture of the selected collection
-  // ("Double click to Browse"); the first exists from the start and stands for an empty strip.
-  ui::ControlArray<ui::OptionButton, 1> optThumb{*this, "optThumb"};
+  // The thumbnail strip: picFrame, white, is the visible window of the strip and clips
+  // picSlide, the sheet that holds the thumbnails and moves when vsbSlide scrolls it. Each
+  // thumbnail is an element of optThumb, a graphical option button with the picture's file name
+  // in its Tag; element 0 exists from the start and stands for an empty strip, the others are
+  // loaded for each fill. The checked one is the selection.
+  ui::PictureBox picFrame{*this, "picFrame"};
+  ui::ScrollBar vsbSlide{*this, "vsbSlide"};
+  ui::PictureBox picSlide{*this, "picSlide"};
+  ui::LoadedOptionArray<ui::GraphicalOptionButton> optThumb{*this, "optThumb"};
+  // Lists the unpacked collection: its alphabetical order is the order of the strip.
+  ui::FileListBox filHidden{*this, "filHidden"};
+  // Decodes one file of the fill (sizing itself to its picture), and the 64 by 64 surface its
+  // thumbnail is drawn on.
+  ui::PictureBox picLoad{*this, "picLoad"};
+  ui::PictureBox picThumb{*this, "picThumb"};
+  // The fill's progress.
+  ui::ProgressBar picProgress{*this, "picProgress"};
 
   // Decodes a picture for the wallpaper; sizes itself to its picture.
   ui::PictureBox PBTempWallpaper{*this, "PBTempWallpaper"};
@@ -223,6 +238,20 @@ class FrmMain : public ui::Form {
   void CmdWallpaperControl_Click(std::int16_t Index);
   // The strip after the last collection is gone: optThumb(0) without picture, Tag or caption.
   void EmptyThumbnailStrip();
+  // The strip (FrmMainStrip.cpp): a click on a collection's node unpacks it and fills the strip
+  // with its pictures; the strip laid out in rows of as many thumbnails as picFrame holds (also
+  // the window's resize); scrolling; the fill's progress; the checked picture set as wallpaper
+  // now, and a double-clicked one opened in the system's viewer.
+  void TvCollections_NodeClick();
+  void LoadThumbnailStrip();
+  void LayoutThumbnailStrip();
+  void vsbSlide_Change();
+  void vsbSlide_Scroll();
+  void ShowThumbnailProgress();
+  void SetThumbnailProgress(std::int16_t percent, const std::string& name);
+  void CmdSetAsWallpaper_Click();
+  void optThumb_DblClick(std::int16_t Index);
+  void Form_Resize() override;
   // FrmSettings shown modal, owned by this window; its settings are read back when it closes.
   void CmdSettings_Click();
   // FrmSlideShow shown modal, owned by this window, over the selected collection unpacked for

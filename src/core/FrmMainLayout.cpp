@@ -84,12 +84,23 @@ constexpr ui::ControlLayout kControls[] = {
     {"LblRecycleBin",          nullptr,          0,     0,     0,     0,     "Recycle Bin"},
 
     // The wallpaper page.
-    {"TvCollections",          "PBWallpaper",    120,   120,   3000,  5000},
+    {"TvCollections",          "PBWallpaper",    120,   120,   3000,  2220},
     {"CmdWallpaperControl(0)", "PBWallpaper",    3300,  120,   3000,  300,   "Create a new collection"},
     {"CmdWallpaperControl(1)", "PBWallpaper",    3300,  480,   3000,  300,   "Modify Collection"},
     {"CmdWallpaperControl(2)", "PBWallpaper",    3300,  840,   3000,  300,   "Remove Collection"},
-    {"Label13",                nullptr,          0,     0,     0,     0,
+    {"Label13",                "PBWallpaper",    120,   2460,  4000,  255,
      "Double Click Thumbnail to Open"},
+    {"picProgress",            "PBWallpaper",    3300,  1320,  4140,  240,   nullptr, false},
+    // The thumbnail strip: the window, its scroll bar at the right, the sheet, and the first
+    // thumbnail, which the layout of the strip moves to the sheet's corner.
+    {"picFrame",               "PBWallpaper",    120,   2760,  7320,  2640},
+    {"vsbSlide",               "picFrame",       7065,  0,     255,   2625},
+    {"picSlide",               "picFrame",       0,     0,     1200,  1440},
+    {.name = "optThumb(0)", .container = "picSlide", .left = 60, .top = 60, .width = 1200,
+     .height = 1440, .caption = "", .backColor = 0xFFFFFF},
+    {"filHidden",              nullptr,          0,     0,     0,     0,     nullptr, false},
+    {"picLoad",                nullptr,          0,     0,     0,     0,     nullptr, false},
+    {"picThumb",               nullptr,          0,     0,     960,   960,   nullptr, false},
 
     // Surfaces that only serve as targets or stores.
     {"PicPopup",               nullptr,          0,     0,     0,     0,     nullptr, false},

@@ -219,6 +219,11 @@ void FrmMain::CmdMenu_Click(std::int16_t Index) {
     Tree.Item(1).Expanded = true;
     Tree.NodeChanged(1);
   }
+  // The wallpaper page opens on its first collection's strip.
+  if (Index == 3 && TvCollections.Count() > 0) {
+    TvCollections.Select(1);
+    TvCollections_NodeClick();
+  }
 }
 
 void FrmMain::ResetHover() {

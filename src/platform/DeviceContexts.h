@@ -29,6 +29,10 @@ inline constexpr std::uint32_t kDstInvert = 0x00550009;
 inline constexpr std::uint32_t kBlackness = 0x00000042;
 inline constexpr std::uint32_t kWhiteness = 0x00FF0062;
 
+// How StretchBlt reduces a picture: halftone averages the source pixels that meet in one.
+inline constexpr std::int32_t kColorOnColor = 3;
+inline constexpr std::int32_t kHalftone = 4;
+
 // Colour table usage of a device-independent bitmap, and its compression.
 inline constexpr std::uint32_t kDibRgbColors = 0;
 inline constexpr std::uint32_t kBiRgb = 0;
@@ -105,6 +109,33 @@ class DeviceContexts {
   virtual std::int32_t BitBlt(GdiHandle destination, std::int32_t x, std::int32_t y,
                               std::int32_t width, std::int32_t height, GdiHandle source,
                               std::int32_t sourceX, std::int32_t sourceY, std::uint32_t rop) = 0;
+
+  // --- stretching, and the brush that halftone stretching aligns -----------------------------
+  // An adapter without them fails each: 0.
+  // Sets how StretchBlt reduces on `dc`; gives the mode it replaced.
+  virtual std::int32_t SetStretchBltMode(GdiHandle /*dc*/, std::int32_t /*mode*/) { return 0; }
+  // Sets the origin of the brush's pattern on `dc`; the old one goes into previousX, previousY
+  // when they are given. Non-zero on success.
+  virtual std::int32_t SetBrushOrgEx(GdiHandle /*dc*/, std::int32_t /*x*/, std::int32_t /*y*/,
+                                     std::int32_t* /*previousX*/, std::int32_t* /*previousY*/) {
+    return 0;
+  }
+  // A brush of one colour, 0xBBGGRR. SelectObject puts a brush into a context and gives the
+  // brush it held; DeleteObject deletes it.
+  virtual GdiHandle CreateSolidBrush(std::uint32_t /*color*/) { return 0; }
+  // Makes a brush take its origin anew when it is next selected. Non-zero on success.
+  virtual std::int32_t UnrealizeObject(GdiHandle /*object*/) { return 0; }
+  // Copies the source rectangle into the destination rectangle, stretched or shrunk to it
+  // through the context's stretch mode; negative destination places are drawn only where they
+  // meet the bitmap. Non-zero on success.
+  virtual std::int32_t StretchBlt(GdiHandle /*destination*/, std::int32_t /*x*/,
+                                  std::int32_t /*y*/, std::int32_t /*width*/,
+                                  std::int32_t /*height*/, GdiHandle /*source*/,
+                                  std::int32_t /*sourceX*/, std::int32_t /*sourceY*/,
+                                  std::int32_t /*sourceWidth*/, std::int32_t /*sourceHeight*/,
+                                  std::uint32_t /*rop*/) {
+    return 0;
+  }
 };
 
 }  // namespace quorvane::platform

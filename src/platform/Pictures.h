@@ -6,6 +6,11 @@
 
 namespace quorvane::platform {
 
+// The size and colour depth an icon or cursor is loaded at: the large shell icon size, and the
+// display's depth.
+inline constexpr std::int32_t kLargeShellSize = 3;
+inline constexpr std::int32_t kDefaultDepth = 0;
+
 class Pictures {
  public:
   virtual ~Pictures() = default;
@@ -26,6 +31,14 @@ class Pictures {
   // platform after the decoding has begun leaves it empty.
   virtual void LoadPictureInto(const std::string& path, Pixels& picture) {
     picture = LoadPicture(path);
+  }
+
+  // LoadPictureInto, with an icon or cursor taken at the size and colour depth asked for
+  // (kLargeShellSize, kDefaultDepth); any other picture is loaded as it is. An adapter that
+  // can't choose among an icon's images gives the one LoadPicture gives.
+  virtual void LoadPictureSizedInto(const std::string& path, std::int32_t /*size*/,
+                                    std::int32_t /*depth*/, Pixels& picture) {
+    LoadPictureInto(path, picture);
   }
 
   // Writes `picture` as an uncompressed bitmap of 24 bits a pixel (alpha is dropped) into the file

@@ -150,6 +150,10 @@ void ComboBox::ListIndex(std::int32_t index) {
   if (changed && Click) Click();
 }
 
+void OptionButton::Group(const std::vector<OptionButton*>& buttons) {
+  for (OptionButton* button : buttons) button->group_ = buttons;
+}
+
 void ValueControl::Value(std::int32_t value) {
   const bool changed = value != value_;
   value_ = value;

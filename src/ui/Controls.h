@@ -182,6 +182,7 @@ class OptionButton : public CaptionedControl {
   void Picture(Pixels value);
   // Makes the buttons one group; each button belongs to one group at most.
   static void Group(std::initializer_list<OptionButton*> buttons);
+  static void Group(const std::vector<OptionButton*>& buttons);
 
  private:
   bool value_ = false;

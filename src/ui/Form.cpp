@@ -57,8 +57,19 @@ std::vector<Timer*> Form::Timers() const {
 
 void Form::Register(Control& control) { controls_.push_back(&control); }
 
+void Form::ControlLoaded(Control& control) {
+  loadedAtRunTime_.push_back(&control);
+  if (observer_ != nullptr) observer_->ControlLoaded(*this, control);
+}
+
 void Form::Forget(Control& control) {
   if (activeControl_ == &control) activeControl_ = nullptr;
+  // Only a control loaded at run time is announced as going: the others go with the form.
+  const auto loaded = std::find(loadedAtRunTime_.begin(), loadedAtRunTime_.end(), &control);
+  if (loaded != loadedAtRunTime_.end()) {
+    loadedAtRunTime_.erase(loaded);
+    if (observer_ != nullptr) observer_->ControlGoing(*this, control);
+  }
   controls_.erase(std::remove(controls_.begin(), controls_.end(), &control), controls_.end());
 }
 

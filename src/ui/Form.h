@@ -94,6 +94,8 @@ class Form {
   virtual void Form_QueryUnload(std::int16_t& /*Cancel*/, std::int16_t /*UnloadMode*/) {}
   // The form is unloading; its window goes after this.
   virtual void Form_Unload(std::int16_t& /*Cancel*/) {}
+  // The window's inside changed size (also when it is first shown).
+  virtual void Form_Resize() {}
   // Events of the form's own surface (button, shift, x and y in twips).
   virtual void Form_MouseDown(std::int16_t /*Button*/, std::int16_t /*Shift*/, float /*X*/,
                               float /*Y*/) {}
@@ -126,6 +128,9 @@ class Form {
 
   // A binding watches the form's own properties through this.
   void Observe(FormObserver* observer) { observer_ = observer; }
+  // A control made while the program runs (an element of a loaded control array) is ready: the
+  // binding gives it its window.
+  void ControlLoaded(Control& control);
 
  private:
   friend class Control;
@@ -137,6 +142,7 @@ class Form {
   bool loaded_ = false;
   std::vector<Control*> controls_;
   Control* activeControl_ = nullptr;
+  std::vector<Control*> loadedAtRunTime_;
   FormObserver* observer_ = nullptr;
 };
 
@@ -146,6 +152,9 @@ class FormObserver {
   virtual ~FormObserver() = default;
   virtual void VisibleChanged(Form& form) = 0;
   virtual void Unloaded(Form& form) = 0;
+  // A control made while the program runs is ready, or one is going (its window goes with it).
+  virtual void ControlLoaded(Form& /*form*/, Control& /*control*/) {}
+  virtual void ControlGoing(Form& /*form*/, Control& /*control*/) {}
 };
 
 // --- events through the top-level report ------------------------------------------------------

@@ -448,6 +448,24 @@ TEST_F(PicturesConformance, AnIconGivesItsLargestImageWithTheMaskTransparent) {
   EXPECT_EQ(At(p, 8, 3), 0xFF00FF00u);
 }
 
+TEST_F(PicturesConformance, AtTheLargeShellSizeAnIconGivesItsImageNearestThatSize) {
+  // The large shell icon size is 32 pixels on both builds' systems.
+  const std::string path = Write("sizes.ico", IcoBytes({SolidImage(16, 24, 0xFF0000),
+                                                        SolidImage(48, 24, 0x00FF00),
+                                                        SolidImage(32, 24, 0x0000FF)}));
+  Pixels p;
+  Use<Pictures>().LoadPictureSizedInto(path, platform::kLargeShellSize, platform::kDefaultDepth,
+                                       p);
+  ASSERT_EQ(p.width, 32);
+  ASSERT_EQ(p.height, 32);
+  EXPECT_EQ(At(p, 10, 10), 0xFF0000FFu);
+  // An icon's only image is taken whatever its size.
+  const std::string single = Write("single.ico", IcoBytes({SolidImage(48, 24, 0x00FF00)}));
+  Use<Pictures>().LoadPictureSizedInto(single, platform::kLargeShellSize, platform::kDefaultDepth,
+                                       p);
+  EXPECT_EQ(p.width, 48);
+}
+
 TEST_F(PicturesConformance, ACursorFileReadsAsAnIcon) {
   std::string bytes = IcoBytes({SolidImage(32, 8, 1, {0x000000, 0x3366CC})});
   bytes[2] = 2;  // a cursor file

@@ -60,6 +60,7 @@
 #include "SlideShow.h"
 #include "Tray.h"
 #include "WallpaperFailures.h"
+#include "WallpaperPage.h"
 
 namespace {
 
@@ -549,6 +550,15 @@ int TrayMenuRun(const std::string& resultPath, const std::string& screenshotFold
   return result.Finish();
 }
 
+int WallpaperPageRun(const std::string& resultPath, const std::string& screenshotFolder,
+                     const std::string& manifest, const std::string& viewerRecord) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunWallpaperPage(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, viewerRecord,
+                   result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -596,6 +606,10 @@ int main(int argc, char** argv) {
   if (command == "slide-show" && argc == 5) return SlideShowRun(argv[2], argv[3], argv[4]);
   if (command == "tray" && argc == 6) return TrayRun(argv[2], argv[3], argv[4], argv[5]);
   if (command == "tray-menu" && argc == 5) return TrayMenuRun(argv[2], argv[3], argv[4]);
+  if (command == "wallpaper-page" && argc == 6) {
+    return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
+  }
+  if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
   return 2;

@@ -356,8 +356,12 @@ TEST_F(WallpaperTest, RemovingOneOfTwoLeavesTheStripToTheNodeClick) {
   boxes_.Answer(platform::msgbox::kYes);
   form_.CmdWallpaperControl_Click(2);
   ASSERT_EQ(form_.TvCollections.Count(), 1);
-  EXPECT_EQ(form_.optThumb[0].Tag(), "night.jpg");
-  EXPECT_EQ(form_.optThumb[0].Caption(), "night.jpg");
+  // The node click fills the strip with the collection that is left.
+  const std::string left = form_.TvCollections.Item(1).Text;
+  const std::string picture = left == "Sea" ? "bay.jpg" : "night.jpg";
+  EXPECT_EQ(form_.optThumb[0].Tag(), picture);
+  EXPECT_EQ(form_.optThumb[0].Caption(), picture);
+  EXPECT_EQ(form_.optThumb.size(), 1u);
 }
 
 // --- the tick -------------------------------------------------------------------------------------

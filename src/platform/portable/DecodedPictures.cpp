@@ -286,10 +286,12 @@ std::optional<Pixels> DecodeGif(Bytes bytes) {
 
 // --- icons and cursors ------------------------------------------------------------------------
 
-std::optional<Pixels> DecodeIcon(Bytes bytes) {
+// The largest image, or with `size` the one nearest that size.
+std::optional<Pixels> DecodeIcon(Bytes bytes, std::int32_t size = 0) {
   const auto entries = codecs::ReadIconDirectory(bytes);
   if (!entries) return std::nullopt;
-  const codecs::IconDirectoryEntry& entry = codecs::LargestIconEntry(*entries);
+  const codecs::IconDirectoryEntry& entry = size > 0 ? codecs::IconEntryForSize(*entries, size)
+                                                     : codecs::LargestIconEntry(*entries);
   const Bytes data = bytes.subspan(entry.offset, entry.size);
   return entry.png ? DecodePng(data) : codecs::DecodeIconBitmap(data);
 }
@@ -345,6 +347,19 @@ Pixels DecodePicture(std::span<const std::uint8_t> bytes) {
 Pixels DecodedPictures::LoadPicture(const std::string& path) {
   const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
   return DecodePicture(bytes);
+}
+
+void DecodedPictures::LoadPictureSizedInto(const std::string& path, std::int32_t size,
+                                           std::int32_t /*depth*/, Pixels& picture) {
+  constexpr std::int32_t kLargeShellPixels = 32;
+  const std::vector<std::uint8_t> bytes = ReadWholeFile(path);
+  if (size != kLargeShellSize || codecs::KindOfPicture(bytes) != codecs::PictureKind::Icon) {
+    picture = DecodePicture(bytes);
+    return;
+  }
+  std::optional<Pixels> pixels = DecodeIcon(bytes, kLargeShellPixels);
+  if (!pixels || pixels->Empty()) RaiseInvalidPicture();
+  picture = std::move(*pixels);
 }
 
 void DecodedPictures::SavePicture(const Pixels& picture, const std::string& path) {

@@ -19,6 +19,9 @@ Pixels DecodePicture(std::span<const std::uint8_t> bytes);
 class DecodedPictures final : public Pictures {
  public:
   Pixels LoadPicture(const std::string& path) override;
+  // An icon or cursor by its image nearest the large shell icon size, 32 pixels here.
+  void LoadPictureSizedInto(const std::string& path, std::int32_t size, std::int32_t depth,
+                            Pixels& picture) override;
   void SavePicture(const Pixels& picture, const std::string& path) override;
 };
 

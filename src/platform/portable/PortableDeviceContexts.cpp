@@ -118,6 +118,7 @@ PortableDeviceContexts::PortableDeviceContexts(std::int32_t screenWidth,
   screen_.stride = StrideOf(screen_.width, 32, false);
   screen_.pixels.reset(new std::uint8_t[static_cast<std::size_t>(screen_.stride * screen_.height)]());
   stockBitmap_ = MakeSurface(1, 1, 1, false, false);
+  stockBrush_ = NewHandle();
 }
 
 PortableDeviceContexts::~PortableDeviceContexts() = default;
@@ -283,6 +284,14 @@ GdiHandle PortableDeviceContexts::CreateCompatibleBitmap(GdiHandle dc, std::int3
 GdiHandle PortableDeviceContexts::SelectObject(GdiHandle dc, GdiHandle object) {
   GdiHandle previous = 0;
   const auto it = contexts_.find(dc);
+  if (object == stockBrush_ || brushes_.count(object) != 0) {
+    if (!Failing("SelectObject") && it != contexts_.end()) {
+      previous = it->second.brush != 0 ? it->second.brush : stockBrush_;
+      it->second.brush = object == stockBrush_ ? 0 : object;
+    }
+    Record(CallText("SelectObject", {dc, object}, previous));
+    return previous;
+  }
   Surface* surface = SurfaceOf(object);
   if (!Failing("SelectObject") && it != contexts_.end() && it->second.memory &&
       surface != nullptr) {
@@ -304,8 +313,14 @@ GdiHandle PortableDeviceContexts::SelectObject(GdiHandle dc, GdiHandle object) {
 std::int32_t PortableDeviceContexts::DeleteObject(GdiHandle object) {
   std::int32_t result = 0;
   if (!Failing("DeleteObject")) {
-    if (object == stockBitmap_) {
+    if (object == stockBitmap_ || object == stockBrush_) {
       // Shared objects are never deleted, and that is no failure.
+      result = 1;
+    } else if (brushes_.count(object) != 0) {
+      brushes_.erase(object);
+      for (auto& [handle, context] : contexts_) {
+        if (context.brush == object) context.brush = 0;
+      }
       result = 1;
     } else if (Surface* surface = SurfaceOf(object)) {
       if (surface->selectedInto != 0) {
@@ -446,6 +461,132 @@ std::int32_t PortableDeviceContexts::Blit(GdiHandle destination, std::int32_t x,
     }
   }
   return 1;
+}
+
+std::int32_t PortableDeviceContexts::SetStretchBltMode(GdiHandle dc, std::int32_t mode) {
+  std::int32_t previous = 0;
+  const auto it = contexts_.find(dc);
+  if (!Failing("SetStretchBltMode") && it != contexts_.end() && mode >= 1 && mode <= 4) {
+    previous = it->second.stretchMode;
+    it->second.stretchMode = mode;
+  }
+  Record(CallText("SetStretchBltMode", {dc, mode}, previous));
+  return previous;
+}
+
+std::int32_t PortableDeviceContexts::StretchModeOf(GdiHandle dc) const {
+  const auto it = contexts_.find(dc);
+  return it == contexts_.end() ? 0 : it->second.stretchMode;
+}
+
+std::int32_t PortableDeviceContexts::SetBrushOrgEx(GdiHandle dc, std::int32_t x, std::int32_t y,
+                                                   std::int32_t* previousX,
+                                                   std::int32_t* previousY) {
+  std::int32_t result = 0;
+  const auto it = contexts_.find(dc);
+  if (!Failing("SetBrushOrgEx") && it != contexts_.end()) {
+    if (previousX != nullptr) *previousX = it->second.brushX;
+    if (previousY != nullptr) *previousY = it->second.brushY;
+    it->second.brushX = x;
+    it->second.brushY = y;
+    result = 1;
+  }
+  Record(CallText("SetBrushOrgEx", {dc, x, y}, result));
+  return result;
+}
+
+GdiHandle PortableDeviceContexts::CreateSolidBrush(std::uint32_t color) {
+  GdiHandle made = 0;
+  if (!Failing("CreateSolidBrush")) {
+    made = NewHandle();
+    brushes_.emplace(made, color & kWhite);
+  }
+  Record(CallText("CreateSolidBrush", {color}, made));
+  return made;
+}
+
+std::int32_t PortableDeviceContexts::UnrealizeObject(GdiHandle object) {
+  const std::int32_t result =
+      !Failing("UnrealizeObject") && (object == stockBrush_ || brushes_.count(object) != 0) ? 1
+                                                                                             : 0;
+  Record(CallText("UnrealizeObject", {object}, result));
+  return result;
+}
+
+std::int32_t PortableDeviceContexts::StretchBlt(GdiHandle destination, std::int32_t x,
+                                                std::int32_t y, std::int32_t width,
+                                                std::int32_t height, GdiHandle source,
+                                                std::int32_t sourceX, std::int32_t sourceY,
+                                                std::int32_t sourceWidth,
+                                                std::int32_t sourceHeight, std::uint32_t rop) {
+  std::int32_t result = 0;
+  const auto to = contexts_.find(destination);
+  const auto from = contexts_.find(source);
+  if (!Failing("StretchBlt") && to != contexts_.end() && from != contexts_.end() && width > 0 &&
+      height > 0 && sourceWidth > 0 && sourceHeight > 0) {
+    Surface* target = TargetOf(to->second);
+    const Surface* origin = TargetOf(from->second);
+    if (target != nullptr && origin != nullptr && target->bitsPixel != 1 &&
+        origin->bitsPixel != 1) {
+      result = 1;
+      const bool halftone = to->second.stretchMode == gdi::kHalftone;
+      const std::uint32_t index = (rop >> 16) & 0xFFu;
+      const std::uint32_t keep = target->bitsPixel == 24 ? kWhite : 0xFFFFFFFFu;
+      const double scaleX = static_cast<double>(sourceWidth) / width;
+      const double scaleY = static_cast<double>(sourceHeight) / height;
+      const std::int32_t firstColumn = std::max(0, -x);
+      const std::int32_t lastColumn = std::min(width, target->width - x);
+      const std::int32_t firstRow = std::max(0, -y);
+      const std::int32_t lastRow = std::min(height, target->height - y);
+      // The source span of one destination pixel along one axis, within the source bitmap.
+      auto span = [](double start, double extent, std::int32_t limit, bool average,
+                     std::int32_t& low, std::int32_t& high) {
+        if (average && extent > 1.0) {
+          low = static_cast<std::int32_t>(start);
+          high = static_cast<std::int32_t>(start + extent - 1e-9);
+        } else {
+          low = high = static_cast<std::int32_t>(start + extent / 2);
+        }
+        low = std::max(low, 0);
+        high = std::min(high, limit - 1);
+      };
+      for (std::int32_t row = firstRow; row < lastRow; ++row) {
+        std::int32_t top = 0, bottom = 0;
+        span(sourceY + row * scaleY, scaleY, origin->height, halftone, top, bottom);
+        if (top > bottom) continue;
+        std::uint8_t* line = target->Row(y + row);
+        for (std::int32_t column = firstColumn; column < lastColumn; ++column) {
+          std::int32_t left = 0, right = 0;
+          span(sourceX + column * scaleX, scaleX, origin->width, halftone, left, right);
+          if (left > right) continue;
+          std::uint64_t sum[3] = {0, 0, 0};
+          std::uint64_t count = 0;
+          for (std::int32_t sy = top; sy <= bottom; ++sy) {
+            const std::uint8_t* sourceLine = origin->Row(sy);
+            for (std::int32_t sx = left; sx <= right; ++sx) {
+              const std::uint32_t pixel = ReadPixel(sourceLine, sx, origin->bitsPixel);
+              for (int channel = 0; channel < 3; ++channel) {
+                sum[channel] += (pixel >> (8 * channel)) & 0xFFu;
+              }
+              ++count;
+            }
+          }
+          std::uint32_t colour = 0;
+          for (int channel = 0; channel < 3; ++channel) {
+            colour |= static_cast<std::uint32_t>((sum[channel] + count / 2) / count)
+                      << (8 * channel);
+          }
+          const std::uint32_t present = ReadPixel(line, x + column, target->bitsPixel);
+          WritePixel(line, x + column, target->bitsPixel,
+                     ApplyRop(index, 0xFFFFFFFFu, colour, present) & keep);
+        }
+      }
+    }
+  }
+  Record(CallText("StretchBlt", {destination, x, y, width, height, source, sourceX, sourceY,
+                                 sourceWidth, sourceHeight, rop},
+                  result));
+  return result;
 }
 
 std::uint32_t PortableDeviceContexts::ScreenPixel(std::int32_t x, std::int32_t y) const {

@@ -47,6 +47,22 @@ class PortableDeviceContexts final : public DeviceContexts {
   std::int32_t BitBlt(GdiHandle destination, std::int32_t x, std::int32_t y, std::int32_t width,
                       std::int32_t height, GdiHandle source, std::int32_t sourceX,
                       std::int32_t sourceY, std::uint32_t rop) override;
+  // Stretching: halftone averages every source pixel that meets a destination pixel; any other
+  // mode takes the one nearest its centre. Brushes of one colour, selected one to a context (a
+  // new context holds the white stock brush).
+  std::int32_t SetStretchBltMode(GdiHandle dc, std::int32_t mode) override;
+  std::int32_t SetBrushOrgEx(GdiHandle dc, std::int32_t x, std::int32_t y,
+                             std::int32_t* previousX, std::int32_t* previousY) override;
+  GdiHandle CreateSolidBrush(std::uint32_t color) override;
+  std::int32_t UnrealizeObject(GdiHandle object) override;
+  std::int32_t StretchBlt(GdiHandle destination, std::int32_t x, std::int32_t y,
+                          std::int32_t width, std::int32_t height, GdiHandle source,
+                          std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
+                          std::int32_t sourceHeight, std::uint32_t rop) override;
+  // Brushes not yet deleted (the stock one not counted).
+  std::size_t LiveBrushes() const { return brushes_.size(); }
+  // The stretch mode and brush origin a context holds.
+  std::int32_t StretchModeOf(GdiHandle dc) const;
 
   // Contexts not yet deleted or released, and bitmaps not yet deleted (the shared monochrome
   // one not counted). A deleted bitmap that is still selected is counted until it goes.
@@ -90,6 +106,10 @@ class PortableDeviceContexts final : public DeviceContexts {
     bool memory = false;
     GdiHandle window = 0;
     GdiHandle bitmap = 0;  // for a memory context
+    GdiHandle brush = 0;   // 0: the stock white brush
+    std::int32_t stretchMode = 1;
+    std::int32_t brushX = 0;
+    std::int32_t brushY = 0;
   };
 
   GdiHandle NewHandle() { return nextHandle_++; }
@@ -114,6 +134,8 @@ class PortableDeviceContexts final : public DeviceContexts {
   Surface screen_;
   std::unordered_map<GdiHandle, Surface> bitmaps_;
   std::unordered_map<GdiHandle, Context> contexts_;
+  std::unordered_map<GdiHandle, std::uint32_t> brushes_;
+  GdiHandle stockBrush_ = 0;
   std::vector<std::string> journal_;
   bool keepJournal_ = true;
   std::vector<std::string> failNext_;

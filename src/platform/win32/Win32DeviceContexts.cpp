@@ -82,4 +82,36 @@ std::int32_t Win32DeviceContexts::BitBlt(GdiHandle destination, std::int32_t x, 
                   sourceY, rop);
 }
 
+std::int32_t Win32DeviceContexts::SetStretchBltMode(GdiHandle dc, std::int32_t mode) {
+  return ::SetStretchBltMode(ToNative<HDC>(dc), mode);
+}
+
+std::int32_t Win32DeviceContexts::SetBrushOrgEx(GdiHandle dc, std::int32_t x, std::int32_t y,
+                                                std::int32_t* previousX,
+                                                std::int32_t* previousY) {
+  POINT previous{};
+  const BOOL done = ::SetBrushOrgEx(ToNative<HDC>(dc), x, y, &previous);
+  if (done != 0 && previousX != nullptr) *previousX = previous.x;
+  if (done != 0 && previousY != nullptr) *previousY = previous.y;
+  return done;
+}
+
+GdiHandle Win32DeviceContexts::CreateSolidBrush(std::uint32_t color) {
+  return FromNative(::CreateSolidBrush(color & 0xFFFFFFu));
+}
+
+std::int32_t Win32DeviceContexts::UnrealizeObject(GdiHandle object) {
+  return ::UnrealizeObject(ToNative<HGDIOBJ>(object));
+}
+
+std::int32_t Win32DeviceContexts::StretchBlt(GdiHandle destination, std::int32_t x,
+                                             std::int32_t y, std::int32_t width,
+                                             std::int32_t height, GdiHandle source,
+                                             std::int32_t sourceX, std::int32_t sourceY,
+                                             std::int32_t sourceWidth,
+                                             std::int32_t sourceHeight, std::uint32_t rop) {
+  return ::StretchBlt(ToNative<HDC>(destination), x, y, width, height, ToNative<HDC>(source),
+                      sourceX, sourceY, sourceWidth, sourceHeight, rop);
+}
+
 }  // namespace quorvane::platform::win32

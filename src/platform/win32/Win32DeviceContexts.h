@@ -23,6 +23,15 @@ class Win32DeviceContexts final : public DeviceContexts {
   std::int32_t BitBlt(GdiHandle destination, std::int32_t x, std::int32_t y, std::int32_t width,
                       std::int32_t height, GdiHandle source, std::int32_t sourceX,
                       std::int32_t sourceY, std::uint32_t rop) override;
+  std::int32_t SetStretchBltMode(GdiHandle dc, std::int32_t mode) override;
+  std::int32_t SetBrushOrgEx(GdiHandle dc, std::int32_t x, std::int32_t y,
+                             std::int32_t* previousX, std::int32_t* previousY) override;
+  GdiHandle CreateSolidBrush(std::uint32_t color) override;
+  std::int32_t UnrealizeObject(GdiHandle object) override;
+  std::int32_t StretchBlt(GdiHandle destination, std::int32_t x, std::int32_t y,
+                          std::int32_t width, std::int32_t height, GdiHandle source,
+                          std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
+                          std::int32_t sourceHeight, std::uint32_t rop) override;
 };
 
 }  // namespace quorvane::platform::win32

@@ -349,6 +349,16 @@ Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
 }
 
 void Win32Pictures::LoadPictureInto(const std::string& path, Pixels& picture) {
+  LoadIconSized(path, 0, picture);
+}
+
+void Win32Pictures::LoadPictureSizedInto(const std::string& path, std::int32_t size,
+                                         std::int32_t /*depth*/, Pixels& picture) {
+  LoadIconSized(path, size == kLargeShellSize ? ::GetSystemMetrics(SM_CXICON) : 0, picture);
+}
+
+void Win32Pictures::LoadIconSized(const std::string& path, std::int32_t iconSize,
+                                  Pixels& picture) {
   GlobalBlock file = ReadWholeFile(path);
   Bytes bytes = file.View();
   codecs::PictureKind kind = codecs::KindOfPicture(bytes);
@@ -356,14 +366,17 @@ void Win32Pictures::LoadPictureInto(const std::string& path, Pixels& picture) {
   if (kind == codecs::PictureKind::Icon) {
     const auto entries = codecs::ReadIconDirectory(bytes);
     if (!entries) RaiseInvalidPicture();
-    const codecs::IconDirectoryEntry& largest = codecs::LargestIconEntry(*entries);
+    // The largest image, or the one nearest the size asked for, alone in the file.
+    const codecs::IconDirectoryEntry& largest = iconSize > 0
+                                                    ? codecs::IconEntryForSize(*entries, iconSize)
+                                                    : codecs::LargestIconEntry(*entries);
     if (!codecs::DecodableSize(largest.width, largest.height)) RaiseInvalidPicture();
     if (largest.png) {
       // The image is a PNG file of its own, alpha and all: it is decoded as one, which gives
       // its pixels exactly rather than drawn on a background.
       file = GlobalBlock(bytes.subspan(largest.offset, largest.size));
       kind = codecs::PictureKind::Png;
-    } else if (codecs::Read16(bytes, 4) != 1) {
+    } else if (codecs::Read16(bytes, 4) != 1 || iconSize > 0) {
       file = GlobalBlock(Bytes(codecs::SingleEntryIconFile(bytes, largest)));
     }
     bytes = file.View();

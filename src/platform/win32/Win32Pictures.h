@@ -17,7 +17,15 @@ class Win32Pictures final : public Pictures {
  public:
   Pixels LoadPicture(const std::string& path) override;
   void LoadPictureInto(const std::string& path, Pixels& picture) override;
+  // An icon or cursor by its image nearest the system's large icon size.
+  void LoadPictureSizedInto(const std::string& path, std::int32_t size, std::int32_t depth,
+                            Pixels& picture) override;
   void SavePicture(const Pixels& picture, const std::string& path) override;
+
+ private:
+  // LoadPictureInto with an icon or cursor taken by its image nearest `iconSize` pixels, or by
+  // its largest with 0.
+  void LoadIconSized(const std::string& path, std::int32_t iconSize, Pixels& picture);
 };
 
 // The Windows Imaging Component's decoding of a picture in memory, as 32-bit pixels with alpha;

@@ -71,6 +71,7 @@ void FormWindow::Prepare(DWORD commonControlClasses) {
   findMessage_ = ::RegisterWindowMessageA(kFindControlMessage);
   accessibleNames_.Connect();
   font_.Reset(MakeVerdana(8, false, false));
+  InstallCaptionMeasure();
 }
 
 void FormWindow::BindAll(const std::vector<Control*>& controls) {

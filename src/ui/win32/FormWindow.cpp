@@ -40,7 +40,7 @@ bool IsSpinEdit(const std::string& name) {
 // The windows of the program's own classes; the rest are the system's controls.
 bool IsOwnClass(Kind kind) {
   return kind == Kind::Plain || kind == Kind::Picture || kind == Kind::Label ||
-         kind == Kind::Frame || kind == Kind::Spin;
+         kind == Kind::Frame || kind == Kind::Spin || kind == Kind::PictureOption;
 }
 
 // Model button and shift values: left 1, right 2, middle 4; shift 1, control 2, alt 4.
@@ -86,6 +86,9 @@ void PaintBuffered(HWND window, Painter&& paint) {
 }  // namespace
 
 Kind KindOf(Control& control) {
+  if (dynamic_cast<GraphicalOptionButton*>(&control) != nullptr) return Kind::PictureOption;
+  if (dynamic_cast<ScrollBar*>(&control) != nullptr) return Kind::Scroll;
+  if (dynamic_cast<ProgressBar*>(&control) != nullptr) return Kind::Progress;
   if (dynamic_cast<TreeView*>(&control) != nullptr) return Kind::Tree;
   if (dynamic_cast<PictureBox*>(&control) != nullptr) return Kind::Picture;
   if (dynamic_cast<Label*>(&control) != nullptr) return Kind::Label;
@@ -334,6 +337,13 @@ void FormWindow::MakeWindow(BoundControl& record) {
       UseCaptionFont(bound.window);
       Place(bound);
       break;
+    case Kind::PictureOption:
+      MakeChild(bound, {.className = kPictureClass, .ownClass = true});
+      break;
+    case Kind::Scroll:
+    case Kind::Progress:
+      MakeStripWindow(bound);
+      break;
   }
   // The system's controls tell the form about the mouse as the program's own windows do.
   if (!IsOwnClass(bound.kind)) {
@@ -529,6 +539,11 @@ void FormWindow::ApplyValue(BoundControl& record) {
     case Kind::Combo:
       ApplyList(bound);
       break;
+    case Kind::Scroll:
+    case Kind::Progress:
+    case Kind::PictureOption:
+      ApplyStripValue(bound);
+      break;
     default:
       break;
   }
@@ -707,6 +722,14 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
     case WM_CTLCOLORBTN:
       ::SetBkColor(reinterpret_cast<HDC>(wParam), FormFace());
       return reinterpret_cast<LRESULT>(BrushOf(FormFace()));
+    case WM_SIZE:
+      // The form lays out what it lays out by measure; not before it is loaded.
+      if (form_.Loaded()) Run([this] { form_.Form_Resize(); });
+      return 0;
+    case WM_SHOWWINDOW:
+      // Being shown counts as a resize, as its first size comes before the form is loaded.
+      if (wParam != 0 && form_.Loaded()) Run([this] { form_.Form_Resize(); });
+      return ::DefWindowProcA(window, message, wParam, lParam);
     case WM_TIMER: {
       const std::vector<Timer*> timers = form_.Timers();
       if (wParam >= 1 && wParam <= timers.size()) Run(timers[wParam - 1]->Tick);
@@ -759,6 +782,12 @@ LRESULT FormWindow::TopMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
 LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message, WPARAM wParam,
                                 LPARAM lParam) {
   BoundControl& bound = record;
+  // A press checks a graphical option button, before what the mouse tells its handlers.
+  if (bound.kind == Kind::PictureOption && message == WM_LBUTTONDOWN) {
+    auto& option = static_cast<OptionButton&>(*bound.control);
+    Run([&] { option.Value(true); });
+    if (RecordAt(window) == nullptr) return 0;
+  }
   if (bound.kind != Kind::Spin &&
       Mouse(bound.control, bound.pressed, window, message, wParam, lParam)) {
     return 0;
@@ -769,6 +798,8 @@ LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message,
         PaintBuffered(window, [&](HDC dc) { PaintLabel(bound, window, dc); });
       } else if (bound.kind == Kind::Frame) {
         PaintBuffered(window, [&](HDC dc) { PaintFrame(bound, window, dc); });
+      } else if (bound.kind == Kind::PictureOption) {
+        PaintBuffered(window, [&](HDC dc) { PaintPictureOption(bound, dc); });
       } else if (bound.kind == Kind::Spin) {
         PAINTSTRUCT ps{};
         HDC dc = ::BeginPaint(window, &ps);
@@ -783,6 +814,8 @@ LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message,
         PaintLabel(bound, window, reinterpret_cast<HDC>(wParam));
       } else if (bound.kind == Kind::Frame) {
         PaintFrame(bound, window, reinterpret_cast<HDC>(wParam));
+      } else if (bound.kind == Kind::PictureOption) {
+        PaintPictureOption(bound, reinterpret_cast<HDC>(wParam));
       } else {
         PaintPicture(bound, reinterpret_cast<HDC>(wParam));
       }
@@ -951,6 +984,11 @@ void FormWindow::Clicked(BoundControl& bound) {
 bool FormWindow::ControlMessage(BoundControl& sender, UINT message, WPARAM wParam,
                                 LRESULT& result) {
   BoundControl& bound = sender;
+  if (message == WM_VSCROLL && bound.kind == Kind::Scroll) {
+    if (!IsApplying()) Scrolled(bound, wParam);
+    result = 0;
+    return true;
+  }
   if (message == WM_HSCROLL || message == WM_VSCROLL) {
     if (bound.kind == Kind::Slider && !IsApplying()) {
       auto& slider = static_cast<ValueControl&>(*bound.control);

@@ -49,6 +49,14 @@
 //                  Max both 0 mean no bounds
 //   ComboBox       a drop-down list of the model's entries; the user's choice sets ListIndex
 //   Timer          no window
+//   ScrollBar      a vertical scroll bar: arrows, the track and the thumb move its value (Change),
+//                  and dragging the thumb tells Scroll as it goes
+//   ProgressBar    the common progress bar
+//   GraphicalOptionButton
+//                  "QuorvanePicture": its picture above its centred caption on its back colour,
+//                  raised, or pressed in while it is checked; a press checks it, a double click
+//                  runs DblClick; elements loaded at run time get their windows then, and lose
+//                  them when they are unloaded
 //
 // A control asked to stand in front (ZOrder) goes to the top of its container's windows; one
 // asked for the focus (SetFocus) takes the keyboard focus.
@@ -76,6 +84,7 @@
 
 #include "ui/Controls.h"
 #include "ui/Form.h"
+#include "ui/StripControls.h"
 #include "ui/win32/BindingParts.h"
 #include "ui/win32/Handles.h"
 
@@ -94,7 +103,11 @@ struct FormWindowOptions {
 };
 
 // The kinds of control, each shown by one kind of window.
-enum class Kind { Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin, Combo };
+enum class Kind {
+  Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin, Combo,
+  // The thumbnail strip's kinds (StripBinding.cpp).
+  Scroll, Progress, PictureOption,
+};
 Kind KindOf(Control& control);
 
 class FormWindow;
@@ -202,6 +215,18 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // FormObserver
   void VisibleChanged(Form& form) override;
   void Unloaded(Form& form) override;
+  // Elements loaded and unloaded while the program runs (StripBinding.cpp).
+  void ControlLoaded(Form& form, Control& control) override;
+  void ControlGoing(Form& form, Control& control) override;
+
+  // --- the strip's kinds (StripBinding.cpp) ---------------------------------------------------
+  void MakeStripWindow(BoundControl& bound);
+  void ApplyStripValue(BoundControl& bound);
+  void PaintPictureOption(BoundControl& bound, HDC dc);
+  // A scroll bar's WM_VSCROLL, from the code of its move.
+  void Scrolled(BoundControl& bound, WPARAM wParam);
+  // Caption widths measured in the captions' face, for the model.
+  static void InstallCaptionMeasure();
 
   // Messages of the top-level window and of the program's own control classes, once what
   // every window does alike is done.
