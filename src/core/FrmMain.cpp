@@ -50,6 +50,7 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
   PicClose.Click = [this] { PicClose_Click(); };
   PicMin.Click = [this] { PicMin_Click(); };
   Label14.Click = [this] { Label14_Click(); };
+  ConnectAppearancePage();
 
   // Hover.
   const auto onMove = [](std::function<void()> routine) {

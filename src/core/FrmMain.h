@@ -102,12 +102,16 @@ class FrmMain : public ui::Form {
   ui::Label Label14{*this, "Label14"};
   ui::Label Label17{*this, "Label17"};
   ui::PictureBox PBDesktop{*this, "PBDesktop"};
-  ui::PictureBox ImgMyComputer{*this, "ImgMyComputer"};
-  ui::PictureBox ImgMyDocuments{*this, "ImgMyDocuments"};
-  ui::PictureBox ImgRecycleBin{*this, "ImgRecycleBin"};
+  ui::Image ImgMyComputer{*this, "ImgMyComputer"};
+  ui::Image ImgMyDocuments{*this, "ImgMyDocuments"};
+  ui::Image ImgRecycleBin{*this, "ImgRecycleBin"};
   ui::Label LblMyComputer{*this, "LblMyComputer"};
   ui::Label LblMyDocuments{*this, "LblMyDocuments"};
   ui::Label LblRecycleBin{*this, "LblRecycleBin"};
+  ui::Label LblSmall{*this, "LblSmall"};
+  ui::Label LblLarge{*this, "LblLarge"};
+  ui::Label LblHorizontal{*this, "LblHorizontal"};
+  ui::Label LblVertical{*this, "LblVertical"};
 
   // --- the wallpaper page ---------------------------------------------------------------------
   ui::TreeView TvCollections{*this, "TvCollections"};
@@ -226,6 +230,20 @@ class FrmMain : public ui::Form {
   // The tick of Timer1, and the tray menu's change that runs it at once.
   void Timer1_Timer();
   void mnuChangeWallpaper_Click();
+  // The appearance page (FrmMainAppearance.cpp): its handlers connected and its design values
+  // given; the preview re-laid for an icon size, in the preview's pixels; the change routines of
+  // the slider and the two spacings; the preview's background; and the page's part of the load
+  // routine: the blocked state and the stored size, the slider's background (once), and the
+  // stored spacing laid out in the preview once, with the shortcut overlay.
+  void ConnectAppearancePage();
+  void UpdatePreviewIconSize(std::int16_t size);
+  void Slider_Change();
+  void TxtHorizontal_Change();
+  void TxtVertical_Change();
+  void PBDesktop_Paint();
+  void ReadIconSize();
+  void SetUpSliderBackground();
+  void ReadIconSpacing();
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();

@@ -2,6 +2,7 @@
 // close request of the system, and the tray menu's "Show/Hide" and "Exit".
 #include <cstdint>
 
+#include "appearance/ChangeSliderBG.h"
 #include "core/FrmMain.h"
 #include "core/mdlTray.h"
 #include "platform/Application.h"
@@ -49,7 +50,10 @@ void FrmMain::Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode) {
 
 void FrmMain::PicClose_Click() {
   RemoveTrayIconTwice();
-  // The slider's subclass and brush are given back here once the slider background is in.
+  // The slider's subclass and brush are given back; each step is safe when there is none.
+  std::uint32_t picture1 = Picture1.hWnd;
+  UnsubclassSliderParent(picture1);
+  DeleteSliderBrush();
   platform::Application& application = platform::Use<platform::Application>();
   std::int16_t cancel = 0;
   Form_QueryUnload(cancel, kUnloadFromCode);

@@ -18,6 +18,7 @@
 #include "platform/Icons.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
+#include "platform/PageBackgrounds.h"
 #include "platform/Pictures.h"
 #include "platform/Process.h"
 #include "platform/ProfileFiles.h"
@@ -41,6 +42,7 @@
 #include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/PortableNotification.h"
+#include "platform/portable/PortablePageBackgrounds.h"
 #include "platform/portable/PortableProcess.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
@@ -85,6 +87,7 @@ class PortablePlatform {
   DecodedPictures& Pictures() { return pictures_.Get(); }
   RecordingWallpaper& Wallpaper() { return wallpaper_.Get(); }
   PortableWindowActions& WindowActions() { return windowActions_.Get(); }
+  PortablePageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -108,6 +111,7 @@ class PortablePlatform {
   Installed<platform::Pictures, DecodedPictures> pictures_;
   Installed<platform::Wallpaper, RecordingWallpaper> wallpaper_;
   Installed<platform::WindowActions, PortableWindowActions> windowActions_;
+  Installed<platform::PageBackgrounds, PortablePageBackgrounds> pageBackgrounds_;
 };
 
 }  // namespace quorvane::platform::portable
