@@ -125,7 +125,11 @@ as_xp
 at_scaling 144
 drive "$work/navigation-xp.txt" navigation "$shots_w" e2e-xp-150-
 at_scaling 96
+echo "== end to end: the Appearance page on \"Windows XP\", then blocked on \"Windows Vista\""
+as_xp
+drive "$work/appearance-xp.txt" appearance "$shots_w" e2e-xp-
 as_vista
+drive "$work/appearance-vista.txt" appearance "$shots_w" e2e-vista-
 
 # The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made
 # (ukui-wallpapers puts its JPEGs and PNGs in the top level of /usr/share/backgrounds), packed by

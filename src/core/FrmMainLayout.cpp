@@ -73,7 +73,7 @@ constexpr ui::ControlLayout kControls[] = {
     {"Slider",                 "Picture1",       0,     0,     3300,  480},
     {"LblSmall",               "Picture1",       120,   540,   1200,  255,   "Small"},
     {"LblLarge",               "Picture1",       2760,  540,   540,   255,   "Large"},
-    {.name = "LblStatus", .container = "PBAppearance", .left = 3540, .top = 540, .width = 1000,
+    {.name = "LblStatus", .container = "Picture1", .left = 1260, .top = 540, .width = 900,
      .height = 255, .caption = "32x32", .fontBold = true, .foreColor = kSubtitle},
     {.name = "Label9", .container = "PBAppearance", .left = 120, .top = 1560, .width = 3400,
      .height = 270, .caption = "Icon Spacing", .fontSize = 9, .fontBold = true,
@@ -97,11 +97,11 @@ constexpr ui::ControlLayout kControls[] = {
     {"ImgMyComputer",          "PBDesktop",      615,   150,   480,   480},
     {"ImgMyDocuments",         "PBDesktop",      2175,  150,   480,   480},
     {"ImgRecycleBin",          "PBDesktop",      615,   1290,  480,   480},
-    {.name = "LblMyComputer", .container = "PBDesktop", .left = 274, .top = 645, .width = 1200,
+    {.name = "LblMyComputer", .container = "PBDesktop", .left = 274, .top = 645, .width = 1500,
      .height = 255, .caption = "My Computer", .foreColor = 0xFFFFFF},
-    {.name = "LblMyDocuments", .container = "PBDesktop", .left = 2010, .top = 645, .width = 1200,
+    {.name = "LblMyDocuments", .container = "PBDesktop", .left = 2010, .top = 645, .width = 1500,
      .height = 255, .caption = "My Documents", .foreColor = 0xFFFFFF},
-    {.name = "LblRecycleBin", .container = "PBDesktop", .left = 274, .top = 1845, .width = 1200,
+    {.name = "LblRecycleBin", .container = "PBDesktop", .left = 274, .top = 1845, .width = 1500,
      .height = 255, .caption = "Recycle Bin", .foreColor = 0xFFFFFF},
 
     // The wallpaper page.

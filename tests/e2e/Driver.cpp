@@ -38,6 +38,7 @@
 #include <vector>
 
 #include "Driving.h"
+#include "Appearance.h"
 #include "IconChanges.h"
 #include "Navigation.h"
 #include "Registry.h"
@@ -483,6 +484,16 @@ int Navigation(const std::string& resultPath, const std::string& screenshotFolde
   return result.Finish();
 }
 
+// The Appearance page, in a run of its own: the script runs it once with the program and this
+// driver taken for "Windows XP", where the page has its command, and once on "Windows Vista".
+int AppearanceRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& shotPrefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunAppearance(OwnFolder() + "quorvane.exe", screenshotFolder, shotPrefix, result.Cases());
+  return result.Finish();
+}
+
 int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
                 const std::string& manifest) {
   ResultFile result(resultPath);
@@ -539,6 +550,7 @@ int main(int argc, char** argv) {
     return RunModes(argv[2], argv[3], argc == 5 ? argv[4] : "");
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
+  if (command == "appearance" && argc == 5) return AppearanceRun(argv[2], argv[3], argv[4]);
   if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
   if (command == "wallpaper-failures" && argc == 6) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);

@@ -65,7 +65,18 @@ std::intptr_t Win32PageBackgrounds::CallWindowProcA(std::intptr_t procedure, std
 }
 
 std::int32_t Win32PageBackgrounds::PaintDesktop(GdiHandle dc) {
-  return ::PaintDesktop(ToNative<HDC>(dc));
+  HDC context = ToNative<HDC>(dc);
+  const BOOL painted = ::PaintDesktop(context);
+  // PaintDesktop fills with the desktop window's background brush, then draws the wallpaper. A
+  // desktop whose window has no brush of its own (Wine's virtual desktop, which its explorer
+  // paints) gets no colour that way: the desktop's colour is filled in instead.
+  if (::GetClassLongPtrA(::GetDesktopWindow(), GCLP_HBRBACKGROUND) == 0) {
+    RECT area{};
+    if (::GetClipBox(context, &area) != ERROR) {
+      ::FillRect(context, &area, ::GetSysColorBrush(COLOR_BACKGROUND));
+    }
+  }
+  return painted;
 }
 
 }  // namespace quorvane::platform::win32
