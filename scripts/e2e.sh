@@ -5,7 +5,9 @@
 # through "Quorvane.Exit", and what a run leaves on the machine (the program's registry key, its
 # data folder with Empty.ico), the pages, zones and hover pictures driven by the pointer; then
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
-# its command, at a display scaling of 150 %; then the wallpaper settings dialog over two collections
+# its command, at a display scaling of 150 %; then the Appearance page on "Windows XP" (the slider
+# dragged, the spacings typed and spun, the arrow unticked, Apply and Default, the registry values
+# they leave) and blocked on "Windows Vista"; then the wallpaper settings dialog over two collections
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good

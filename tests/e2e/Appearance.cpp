@@ -438,6 +438,7 @@ void RunAppearance(const std::string& program, const std::string& screenshotFold
     HWND check = session.Find("ChkShowShortCut");
     verdict.Check(check != nullptr && ::IsWindowEnabled(check),
                   "the shortcut arrow is blocked too on \"Windows Vista\"");
+    SaveShot(verdict, screenshotFolder, shotPrefix + "appearance-blocked");
     if (verdict.Passed()) verdict.Note("command hidden, size and spacing disabled, message on");
     report("appearance on \"Windows Vista\": blocked", verdict);
     report("appearance: close with PicClose", session.CloseCase());
