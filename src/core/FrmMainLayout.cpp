@@ -70,7 +70,7 @@ constexpr ui::ControlLayout kControls[] = {
     {.name = "Label8", .container = "PBAppearance", .left = 120, .top = 120, .width = 3400,
      .height = 270, .caption = "Icon Size", .fontSize = 9, .fontBold = true, .foreColor = kTitle},
     {"Picture1",               "PBAppearance",   120,   420,   3300,  1020},
-    {"Slider",                 "Picture1",       0,     0,     3300,  600},
+    {"Slider",                 "Picture1",       0,     0,     3300,  540},
     {"LblSmall",               "Picture1",       120,   660,   1200,  255,   "Small"},
     {"LblLarge",               "Picture1",       2760,  660,   540,   255,   "Large"},
     {.name = "LblStatus", .container = "Picture1", .left = 1260, .top = 660, .width = 900,
