@@ -7,7 +7,9 @@
 # the window once more with both programs taken for "Windows XP", where the Appearance page has
 # its command, at a display scaling of 150 %, and at 100 % where the real window must do what
 # its controls do (the disabled CmdApply under the pointer, two digits typed into each spin edit,
-# the focus after a collection is removed); then the wallpaper settings dialog over two collections
+# the focus after a collection is removed); then the Appearance page on "Windows XP" (the slider
+# dragged, the spacings typed and spun, the arrow unticked, Apply and Default, the registry values
+# they leave) and blocked on "Windows Vista"; then the wallpaper settings dialog over two collections
 # packed from Debian's desktop backgrounds, and the wallpaper change it sets up; then, with the
 # program resident, changes that fail (a Total that is no number, a collection whose archive is
 # gone, a packed file that is no picture), each reported in a message box and the log, and a good
@@ -168,6 +170,11 @@ echo "== end to end: the tray menu at 150 %"
 at_scaling 144
 drive "$work/tray-menu-150.txt" tray-menu "$shots_w" e2e-150-
 at_scaling 96
+echo "== end to end: the Appearance page on \"Windows XP\", then blocked on \"Windows Vista\""
+as_xp
+drive "$work/appearance-xp.txt" appearance "$shots_w" e2e-xp-
+as_vista
+drive "$work/appearance-vista.txt" appearance "$shots_w" e2e-vista-
 
 # The settings run's collections: pictures of Debian's desktop backgrounds, which nobody here made
 # (ukui-wallpapers puts its JPEGs and PNGs in the top level of /usr/share/backgrounds), packed by

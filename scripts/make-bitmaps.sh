@@ -398,4 +398,85 @@ add "text 74,57 'Please wait'"
 add "pop graphic-context"
 emit 173
 
+# --- the appearance page's preview icons, 128 by 128 with alpha ---------------------------------
+# My Computer (174), My Documents (175) and Recycle Bin (176), drawn large and on nothing: the
+# preview stands them on the desktop's own background at the size the slider shows, so these
+# are 32-bit bitmaps whose clear parts let the desktop through.
+# emit_clear N: as emit, keeping the alpha of a drawing made on a clear background.
+emit_clear() {
+  printf '%s' "$mvg" >"$out/mvg/$1.mvg"
+  "$magick" -size "${width}x${height}" xc:none -density 72 -draw "$mvg" \
+    -alpha on -type TrueColorAlpha -define bmp:format=bmp4 "BMP:$out/$1.bmp"
+}
+begin_clear() {
+  width=$1 height=$2
+  mvg="viewbox 0 0 $1 $2
+stroke-antialias 1
+text-antialias 1
+"
+}
+
+shadow='#0b2545'
+# My Computer: a screen on a stand, its glass in the light accent with a sheen.
+begin_clear 128 128
+add "fill '${shadow}40'"
+add "ellipse 64,118 44,6 0,360"
+add "fill '$accent'"
+add "roundrectangle 10,14 118,90 9,9"
+add "fill '#dbe8fa'"
+add "rectangle 18,22 110,80"
+add "fill '#f4f8fe'"
+add "polygon 18,22 84,22 40,80 18,80"
+add "fill '$accent'"
+add "rectangle 54,90 74,104"
+add "fill '$accent_text'"
+add "roundrectangle 34,102 94,112 4,4"
+add "fill '$page_bg'"
+add "circle 64,85 64,86.5"
+emit_clear 174
+
+# My Documents: a folder in the accent with a sheet of lines standing in it.
+begin_clear 128 128
+add "fill '${shadow}40'"
+add "ellipse 64,118 48,6 0,360"
+add "fill '$accent_text'"
+add "path 'M 10,30 Q 10,24 16,24 L 48,24 L 56,32 L 112,32 Q 118,32 118,38 L 118,104 Q 118,110 112,110 L 16,110 Q 10,110 10,104 Z'"
+add "fill '$page_bg'"
+add "stroke '#c3c8d0'"
+add "stroke-width 1.5"
+add "roundrectangle 26,14 98,86 4,4"
+add "stroke '#9aa1ab'"
+add "stroke-width 3"
+add "stroke-linecap round"
+add "line 38,30 86,30"
+add "line 38,42 86,42"
+add "line 38,54 76,54"
+add "stroke none"
+add "fill '$accent'"
+add "path 'M 10,52 Q 10,46 16,46 L 112,46 Q 118,46 118,52 L 118,104 Q 118,110 112,110 L 16,110 Q 10,110 10,104 Z'"
+add "fill '#ffffff30'"
+add "rectangle 10,46 118,56"
+emit_clear 175
+
+# Recycle Bin: a tapered bin with ribs and its lid.
+begin_clear 128 128
+add "fill '${shadow}40'"
+add "ellipse 64,118 38,6 0,360"
+add "fill '#e9eef5'"
+add "stroke '$accent_text'"
+add "stroke-width 4"
+add "stroke-linejoin round"
+add "polygon 28,34 100,34 92,112 36,112"
+add "stroke '$accent'"
+add "stroke-width 5"
+add "stroke-linecap round"
+add "line 48,46 51,100"
+add "line 64,46 64,100"
+add "line 80,46 77,100"
+add "stroke none"
+add "fill '$accent_text'"
+add "roundrectangle 20,22 108,34 5,5"
+add "roundrectangle 52,14 76,24 4,4"
+emit_clear 176
+
 echo "bitmaps: $out"

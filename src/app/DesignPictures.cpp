@@ -18,6 +18,10 @@ void LoadDesignPictures(FrmMain& form) {
   form.Picture = pictures.LoadResPicture(170);
   form.Image2.Picture(pictures.LoadResPicture(171));
   form.ImgPopupWindows.Picture(pictures.LoadResPicture(172));
+  // The appearance page's preview icons.
+  form.ImgMyComputer.Picture(pictures.LoadResPicture(174));
+  form.ImgMyDocuments.Picture(pictures.LoadResPicture(175));
+  form.ImgRecycleBin.Picture(pictures.LoadResPicture(176));
 }
 
 }  // namespace quorvane::app

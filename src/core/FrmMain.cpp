@@ -56,6 +56,7 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
     PicPopup_MouseMove(button, shift, x, y);
   };
   Label14.Click = [this] { Label14_Click(); };
+  ConnectAppearancePage();
 
   // Hover.
   const auto onMove = [](std::function<void()> routine) {

@@ -105,12 +105,16 @@ class FrmMain : public ui::Form {
   ui::Label Label14{*this, "Label14"};
   ui::Label Label17{*this, "Label17"};
   ui::PictureBox PBDesktop{*this, "PBDesktop"};
-  ui::PictureBox ImgMyComputer{*this, "ImgMyComputer"};
-  ui::PictureBox ImgMyDocuments{*this, "ImgMyDocuments"};
-  ui::PictureBox ImgRecycleBin{*this, "ImgRecycleBin"};
+  ui::Image ImgMyComputer{*this, "ImgMyComputer"};
+  ui::Image ImgMyDocuments{*this, "ImgMyDocuments"};
+  ui::Image ImgRecycleBin{*this, "ImgRecycleBin"};
   ui::Label LblMyComputer{*this, "LblMyComputer"};
   ui::Label LblMyDocuments{*this, "LblMyDocuments"};
   ui::Label LblRecycleBin{*this, "LblRecycleBin"};
+  ui::Label LblSmall{*this, "LblSmall"};
+  ui::Label LblLarge{*this, "LblLarge"};
+  ui::Label LblHorizontal{*this, "LblHorizontal"};
+  ui::Label LblVertical{*this, "LblVertical"};
 
   // --- the wallpaper page ---------------------------------------------------------------------
   ui::TreeView TvCollections{*this, "TvCollections"};
@@ -260,6 +264,20 @@ class FrmMain : public ui::Form {
   // The tick of Timer1, and the tray menu's change that runs it at once.
   void Timer1_Timer();
   void mnuChangeWallpaper_Click();
+  // The appearance page (FrmMainAppearance.cpp): its handlers connected and its design values
+  // given; the preview re-laid for an icon size, in the preview's pixels; the change routines of
+  // the slider and the two spacings; the preview's background; and the page's part of the load
+  // routine: the blocked state and the stored size, the slider's background (once), and the
+  // stored spacing laid out in the preview once, with the shortcut overlay.
+  void ConnectAppearancePage();
+  void UpdatePreviewIconSize(std::int16_t size);
+  void Slider_Change();
+  void TxtHorizontal_Change();
+  void TxtVertical_Change();
+  void PBDesktop_Paint();
+  void ReadIconSize();
+  void SetUpSliderBackground();
+  void ReadIconSpacing();
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();
@@ -273,11 +291,6 @@ class FrmMain : public ui::Form {
   // FrmMenu, made and loaded at the first right click on the icon and kept loaded and hidden.
   FrmMenu& TrayMenuForm();
   bool TrayMenuFormLoaded() const;
-  // The slider background's part of PicClose: Picture1's own window procedure put back if the
-  // slider's colour request is still caught, and the slider's brush deleted if made, each
-  // cleared. The slider background connects it where it subclasses; while nothing is
-  // connected there is nothing to end.
-  std::function<void()> EndSliderBackground;
 
   // The highlight colour of a wallpaper command under the mouse.
   static constexpr std::uint32_t kHighlight = 0xC0762A;

@@ -2,6 +2,7 @@
 // close request of the system, and the tray menu's "Show/Hide" and "Exit".
 #include <cstdint>
 
+#include "appearance/ChangeSliderBG.h"
 #include "core/FrmMain.h"
 #include "core/mdlTray.h"
 #include "platform/Application.h"
@@ -49,9 +50,10 @@ void FrmMain::Form_QueryUnload(std::int16_t& Cancel, std::int16_t UnloadMode) {
 
 void FrmMain::PicClose_Click() {
   RemoveTrayIconTwice();
-  // Picture1's own procedure back and the slider's brush deleted, where the slider background
-  // set them up.
-  if (EndSliderBackground) EndSliderBackground();
+  // The slider's subclass and brush are given back; each step is safe when there is none.
+  std::uint32_t picture1 = Picture1.hWnd;
+  UnsubclassSliderParent(picture1);
+  DeleteSliderBrush();
   platform::Application& application = platform::Use<platform::Application>();
   std::int16_t cancel = 0;
   Form_QueryUnload(cancel, kUnloadFromCode);

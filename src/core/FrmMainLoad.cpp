@@ -20,17 +20,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr char kWindowMetrics[] = "HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics";
-constexpr char kShellIcons[] =
-    "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Icons";
-
 void DoEvents() { platform::Use<platform::EventLoop>().DoEvents(); }
-
-// A spacing value as the spin edits count it: (|value| - 495) / 15 + 1, rounded.
-std::int32_t SpacingSteps(std::int32_t value) {
-  const double steps = (std::abs(static_cast<double>(value)) - 495.0) / 15.0 + 1.0;
-  return static_cast<std::int32_t>(text::RoundHalfEven(steps));
-}
 
 }  // namespace
 
@@ -70,27 +60,16 @@ void FrmMain::Form_Load() {
     CmdMenu_Click(0);
     ResetHover();
 
-    LblAppearanceMsg.Visible(false);
-    if (OSName == "Windows Vista") {
-      TxtHorizontal.Enabled(false);
-      TxtVertical.Enabled(false);
-      Slider.Enabled(false);
-      LblAppearanceMsg.Visible(true);
+    // The appearance page: its blocked state and the stored size; the slider's background,
+    // once in the life of the window; the stored spacing and the shortcut overlay.
+    ReadIconSize();
+    DoEvents();
+    if (mFormLoaded == 0) {
+      SetUpSliderBackground();
+      mFormLoaded = kTrue;
     }
-    mIconSize =
-        CheckedInt16(StrictLong(Reg().ReadString(kWindowMetrics, "Shell Icon Size", "32")));
-    Slider.Value(static_cast<std::int32_t>(text::RoundHalfEven(mIconSize / 16.0)));
     DoEvents();
-    DoEvents();
-
-    TxtHorizontal.Value(
-        SpacingSteps(StrictLong(Reg().ReadString(kWindowMetrics, "IconSpacing", "-1710"))));
-    TxtVertical.Value(SpacingSteps(
-        StrictLong(Reg().ReadString(kWindowMetrics, "IconVerticalspacing", "-1125"))));
-
-    const std::string overlay = Reg().ReadString(kShellIcons, "29", "");
-    ChkShowShortCut.Value(0);
-    if (!(!overlay.empty() && text::InStr(1, overlay, "Empty.ico") > 0)) ChkShowShortCut.Value(1);
+    ReadIconSpacing();
 
     // The collections, and the wallpaper settings the running program starts with.
     RefreshCollections();

@@ -256,6 +256,12 @@ Pixels PictureBox::TakePicture() {
   return taken;
 }
 
+void Image::Stretch(bool value) {
+  if (value == stretch_) return;
+  stretch_ = value;
+  Notify(Property::Picture);
+}
+
 std::uint32_t PictureBox::hDC() { return surface_ ? surface_->hDC(*this) : 0; }
 
 void PictureBox::Cls() {

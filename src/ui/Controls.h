@@ -355,10 +355,26 @@ class PictureBox : public Control {
   // The surface the box draws on; the form's binding sets it, tests may set their own.
   void UseSurface(std::shared_ptr<Surface> surface) { surface_ = std::move(surface); }
 
+  // Runs when the box's window is drawn anew; what it draws on hDC() is what then shows.
+  std::function<void()> Paint;
+
  private:
   Pixels picture_;
   bool autoRedraw_ = false;
   std::shared_ptr<Surface> surface_;
+};
+
+// An image: a picture that stands over whatever is behind it, which shows through the
+// picture's transparent parts. Stretched, the picture fills the image's bounds; otherwise it
+// stands at the top left at its own size.
+class Image : public PictureBox {
+ public:
+  using PictureBox::PictureBox;
+  bool Stretch() const { return stretch_; }
+  void Stretch(bool value);
+
+ private:
+  bool stretch_ = false;
 };
 
 // The control of that name and index (-1 for a control that is no element) among a form's

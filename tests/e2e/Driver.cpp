@@ -52,6 +52,7 @@
 #include <vector>
 
 #include "Driving.h"
+#include "Appearance.h"
 #include "IconChanges.h"
 #include "Navigation.h"
 #include "RealWindow.h"
@@ -509,6 +510,16 @@ int RealWindowRun(const std::string& resultPath, const std::string& screenshotFo
   return result.Finish();
 }
 
+// The Appearance page, in a run of its own: the script runs it once with the program and this
+// driver taken for "Windows XP", where the page has its command, and once on "Windows Vista".
+int AppearanceRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& shotPrefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunAppearance(OwnFolder() + "quorvane.exe", screenshotFolder, shotPrefix, result.Cases());
+  return result.Finish();
+}
+
 int SettingsRun(const std::string& resultPath, const std::string& screenshotFolder,
                 const std::string& manifest) {
   ResultFile result(resultPath);
@@ -599,6 +610,7 @@ int main(int argc, char** argv) {
   }
   if (command == "navigation" && argc == 5) return Navigation(argv[2], argv[3], argv[4]);
   if (command == "real-window" && argc == 5) return RealWindowRun(argv[2], argv[3], argv[4]);
+  if (command == "appearance" && argc == 5) return AppearanceRun(argv[2], argv[3], argv[4]);
   if (command == "settings" && argc == 5) return SettingsRun(argv[2], argv[3], argv[4]);
   if (command == "wallpaper-failures" && argc == 6) {
     return WallpaperFailuresRun(argv[2], argv[3], argv[4], argv[5]);

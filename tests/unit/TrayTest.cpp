@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "appearance/ChangeSliderBG.h"
 #include "core/FrmMain.h"
 #include "core/FrmMainTray.h"
 #include "core/FrmMenu.h"
@@ -251,24 +252,48 @@ TEST_F(TrayTest, AFailureInTheMenuIsPassedOver) {
   EXPECT_TRUE(form_.TrayMenuFormLoaded());
 }
 
-TEST_F(TrayTest, PicCloseEndsTheSliderBackgroundBetweenTheIconAndTheUnload) {
+// Picture1's window with its procedure replaced and the slider's brush made, as the load leaves
+// them; gives the window's own procedure.
+std::intptr_t SetUpSliderBackground(FrmMain& form, testing::PortableServices& services) {
+  auto& backgrounds = services.adapters.PageBackgrounds();
+  std::uint32_t picture1 = backgrounds.MakeWindow([](auto...) { return std::intptr_t{0}; });
+  const std::intptr_t own = backgrounds.ProcedureOf(picture1);
+  form.Picture1.hWnd = picture1;
+  SubclassSliderParent(picture1);
+  std::uint32_t white = 0xFFFFFF;
+  bool recreate = false;
+  CreateSliderBrush(white, recreate);
+  return own;
+}
+
+TEST_F(TrayTest, PicCloseGivesTheSliderBackgroundBackBeforeTheUnload) {
   std::uint32_t window = 5;
   core::AddToTray(window, 6, "Quorvane", 0x200);
-  form_.EndSliderBackground = [this] { journal_.push_back("slider background ended"); };
+  const std::intptr_t own = SetUpSliderBackground(form_, services_);
+  auto& backgrounds = services_.adapters.PageBackgrounds();
+  ASSERT_NE(backgrounds.ProcedureOf(form_.Picture1.hWnd), own);
+  ASSERT_EQ(backgrounds.LiveBrushes(), 1u);
   journal_.clear();
   form_.PicClose_Click();
   EXPECT_THAT(journal_, ElementsAre("yield", "tray delete", "yield", "yield", "tray delete",
-                                    "yield", "slider background ended", "application hide",
-                                    "application unload", "application end"));
+                                    "yield", "application hide", "application unload",
+                                    "application end"));
+  EXPECT_EQ(backgrounds.ProcedureOf(form_.Picture1.hWnd), own);
+  EXPECT_EQ(backgrounds.LiveBrushes(), 0u);
 }
 
 TEST_F(TrayTest, ExitLeavesTheSliderBackgroundInPlace) {
-  bool ended = false;
-  form_.EndSliderBackground = [&] { ended = true; };
+  const std::intptr_t own = SetUpSliderBackground(form_, services_);
+  auto& backgrounds = services_.adapters.PageBackgrounds();
   services_.menus.Choose("mnuExit");
   Event(517);
-  EXPECT_FALSE(ended);
   EXPECT_TRUE(services_.application.Ended());
+  EXPECT_NE(backgrounds.ProcedureOf(form_.Picture1.hWnd), own);
+  EXPECT_EQ(backgrounds.LiveBrushes(), 1u);
+  // Given back here, so that the next case starts without them.
+  std::uint32_t picture1 = form_.Picture1.hWnd;
+  UnsubclassSliderParent(picture1);
+  DeleteSliderBrush();
 }
 
 // --- FrmMenu's design ---------------------------------------------------------------------------

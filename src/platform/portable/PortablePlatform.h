@@ -20,6 +20,7 @@
 #include "platform/Menus.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
+#include "platform/PageBackgrounds.h"
 #include "platform/Pictures.h"
 #include "platform/Process.h"
 #include "platform/ProfileFiles.h"
@@ -45,6 +46,7 @@
 #include "platform/portable/PortableMenus.h"
 #include "platform/portable/PortableMessageBoxes.h"
 #include "platform/portable/PortableNotification.h"
+#include "platform/portable/PortablePageBackgrounds.h"
 #include "platform/portable/PortableProcess.h"
 #include "platform/portable/PortableProfileFiles.h"
 #include "platform/portable/PortableResourcePictures.h"
@@ -91,6 +93,7 @@ class PortablePlatform {
   PortableWindowActions& WindowActions() { return windowActions_.Get(); }
   PortableMenus& Menus() { return menus_.Get(); }
   PortableCodePages& CodePages() { return codePages_.Get(); }
+  PortablePageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -116,6 +119,7 @@ class PortablePlatform {
   Installed<platform::WindowActions, PortableWindowActions> windowActions_;
   Installed<platform::Menus, PortableMenus> menus_;
   Installed<platform::CodePages, PortableCodePages> codePages_;
+  Installed<platform::PageBackgrounds, PortablePageBackgrounds> pageBackgrounds_;
 };
 
 }  // namespace quorvane::platform::portable

@@ -18,6 +18,7 @@
 #include "platform/Icons.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
+#include "platform/PageBackgrounds.h"
 #include "platform/Pictures.h"
 #include "platform/Process.h"
 #include "platform/ProfileFiles.h"
@@ -40,6 +41,7 @@
 #include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Notification.h"
+#include "platform/win32/Win32PageBackgrounds.h"
 #include "platform/win32/Win32Pictures.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32ProfileFiles.h"
@@ -80,6 +82,7 @@ class Win32Platform {
   Win32Wallpaper& Wallpaper() { return wallpaper_.Get(); }
   Win32WindowActions& WindowActions() { return windowActions_.Get(); }
   Win32CodePages& CodePages() { return codePages_.Get(); }
+  Win32PageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
 
  private:
   Installed<platform::Process, Win32Process> process_;
@@ -103,6 +106,7 @@ class Win32Platform {
   Installed<platform::Wallpaper, Win32Wallpaper> wallpaper_;
   Installed<platform::WindowActions, Win32WindowActions> windowActions_;
   Installed<platform::CodePages, Win32CodePages> codePages_;
+  Installed<platform::PageBackgrounds, Win32PageBackgrounds> pageBackgrounds_;
 };
 
 }  // namespace quorvane::platform::win32

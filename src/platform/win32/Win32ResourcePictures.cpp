@@ -2,9 +2,44 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
 #include "platform/win32/Handles.h"
 
 namespace quorvane::platform::win32 {
+
+namespace {
+
+// A 32-bit bitmap that carries alpha (the preview icons of the appearance page) keeps it: its
+// pixels are taken as they are stored, alpha and all. False for any other bitmap, which is opaque.
+bool CopyAlpha(HBITMAP bitmap, Pixels& pixels) {
+  DIBSECTION section{};
+  if (::GetObjectA(bitmap, sizeof section, &section) != sizeof section ||
+      section.dsBm.bmBitsPixel != 32 || section.dsBm.bmBits == nullptr ||
+      section.dsBm.bmWidth != pixels.width || section.dsBm.bmHeight != pixels.height) {
+    return false;
+  }
+  const auto* bits = static_cast<const std::uint32_t*>(section.dsBm.bmBits);
+  const bool bottomUp = section.dsBmih.biHeight > 0;
+  const auto width = static_cast<std::size_t>(pixels.width);
+  Pixels stored = pixels;
+  bool alpha = false;
+  for (std::int32_t row = 0; row < pixels.height; ++row) {
+    const auto from = static_cast<std::size_t>(bottomUp ? pixels.height - 1 - row : row);
+    for (std::size_t column = 0; column < width; ++column) {
+      const std::uint32_t p = bits[from * width + column];
+      stored.bgra[static_cast<std::size_t>(row) * width + column] = p;
+      alpha = alpha || (p >> 24) != 0;
+    }
+  }
+  if (!alpha) return false;
+  pixels = std::move(stored);
+  return true;
+}
+
+}  // namespace
 
 Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
   Pixels pixels;
@@ -31,7 +66,7 @@ Pixels Win32ResourcePictures::LoadResPicture(std::int32_t number) {
                                  pixels.bgra.data(), &info, DIB_RGB_COLORS);
     if (rows != pixels.height) {
       pixels = Pixels{};
-    } else {
+    } else if (!CopyAlpha(bitmap.Get(), pixels)) {
       for (std::uint32_t& p : pixels.bgra) p |= 0xFF000000u;  // resource bitmaps are opaque
     }
   }

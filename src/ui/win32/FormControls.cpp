@@ -269,10 +269,12 @@ void FormWindow::Place(BoundControl& bound) {
   HWND parent = ParentOf(*bound.control);
   if (::GetParent(bound.window) != parent) ::SetParent(bound.window, parent);
   const PixelPlace place = PlaceOf(*bound.control);
-  // A drop-down list's window holds its list too, dropped below the place.
+  // A drop-down list's window holds its list too, dropped below the place. An image shows what
+  // is behind it: moved or resized, it is drawn whole again, never copied.
   const int dropped = bound.kind == Kind::Combo ? kDroppedList : 0;
+  const UINT copying = dynamic_cast<const Image*>(bound.control) != nullptr ? SWP_NOCOPYBITS : 0;
   ::SetWindowPos(bound.window, nullptr, place.x, place.y, place.width, place.height + dropped,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+                 SWP_NOZORDER | SWP_NOACTIVATE | copying);
   PlaceSpinParts(bound, place.width, place.height);
 }
 

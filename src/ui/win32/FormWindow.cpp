@@ -83,6 +83,33 @@ void PaintBuffered(HWND window, Painter&& paint) {
   ::EndPaint(window, &ps);
 }
 
+// A picture box with a Paint routine of its own draws on its surface when its window is drawn;
+// what it drew is what the window then shows. A yield inside the routine that comes back to the
+// same window draws what is there and does not run the routine again.
+void RunPaintRoutine(Form& form, BoundControl& bound) {
+  auto* box = dynamic_cast<PictureBox*>(bound.control);
+  if (box == nullptr || !box->Paint || bound.inPaint) return;
+  bound.inPaint = true;
+  RunEvent(form, box->Paint);
+  bound.inPaint = false;
+  bound.showsDrawn = true;
+  // A yield inside the routine may have drawn the window already, with what was there then:
+  // the whole of it, and what stands in it, is drawn again with what the routine drew.
+  ::RedrawWindow(bound.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
+}
+
+// The window's container draws itself into `dc`, moved so that its point under the window's
+// corner lands at (0, 0).
+void PrintParent(HWND window, HDC dc) {
+  HWND parent = ::GetParent(window);
+  POINT corner{0, 0};
+  ::MapWindowPoints(window, parent, &corner, 1);
+  POINT previous{};
+  ::SetViewportOrgEx(dc, -corner.x, -corner.y, &previous);
+  ::SendMessageA(parent, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
+  ::SetViewportOrgEx(dc, previous.x, previous.y, nullptr);
+}
+
 }  // namespace
 
 Kind KindOf(Control& control) {
@@ -627,6 +654,13 @@ void FormWindow::PaintPicture(BoundControl& bound, HDC dc) {
     ::FillRect(dc, &area, ::GetSysColorBrush(COLOR_BTNFACE));
     return;
   }
+  if (const auto* image = dynamic_cast<const Image*>(box)) {
+    // An image stands over its container: that shows through its picture's clear parts.
+    PrintParent(bound.window, dc);
+    DrawPixelsOver(dc, image->Stretch() ? Fitted(image->Picture(), area.right, area.bottom)
+                                        : image->Picture());
+    return;
+  }
   ::FillRect(dc, &area, BrushOf(box->BackColor));
   if (bound.showsDrawn) {
     Pixels image;
@@ -806,6 +840,7 @@ LRESULT FormWindow::PartMessage(BoundControl& record, HWND window, UINT message,
         ::FillRect(dc, &ps.rcPaint, BrushOf(SpinFace(*bound.control)));
         ::EndPaint(window, &ps);
       } else {
+        RunPaintRoutine(form_, bound);
         PaintBuffered(window, [&](HDC dc) { PaintPicture(bound, dc); });
       }
       return 0;

@@ -136,6 +136,7 @@ struct BoundControl {
   bool showsCaption = false;  // the window's text is the control's caption
   bool pressed = false;       // the left button went down on the window and has not come up yet
   bool typing = false;        // spin edits: the value is being set from what the user typed
+  bool inPaint = false;       // picture boxes: the box's own Paint routine is running
   // Picture boxes: whether the persistent image is shown rather than the Picture.
   bool showsDrawn = false;
   // Tree views: one item per node, by position from 1, and what each shows.

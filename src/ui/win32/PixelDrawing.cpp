@@ -1,5 +1,6 @@
 #include "ui/win32/PixelDrawing.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace quorvane::ui::win32 {
@@ -73,6 +74,72 @@ void DrawPixels(HDC dc, const Pixels& pixels, int x, int y, std::uint32_t backCo
   ::SetDIBitsToDevice(dc, x, y, static_cast<DWORD>(shown.width),
                       static_cast<DWORD>(shown.height), 0, 0, 0,
                       static_cast<UINT>(shown.height), shown.bgra.data(), &info, DIB_RGB_COLORS);
+}
+
+Pixels Fitted(const Pixels& pixels, int width, int height) {
+  Pixels result;
+  if (!Drawable(pixels) || width <= 0 || height <= 0) return result;
+  result.width = width;
+  result.height = height;
+  result.bgra.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  for (int row = 0; row < height; ++row) {
+    const int top = static_cast<int>(static_cast<long long>(row) * pixels.height / height);
+    const int bottom = std::max(
+        top + 1, static_cast<int>((static_cast<long long>(row) + 1) * pixels.height / height));
+    for (int column = 0; column < width; ++column) {
+      const int left = static_cast<int>(static_cast<long long>(column) * pixels.width / width);
+      const int right = std::max(
+          left + 1,
+          static_cast<int>((static_cast<long long>(column) + 1) * pixels.width / width));
+      // Colours are summed weighed by their alpha, so that clear pixels lend no colour.
+      std::uint64_t sum[4] = {0, 0, 0, 0};
+      std::uint64_t count = 0;
+      for (int y = top; y < bottom && y < pixels.height; ++y) {
+        for (int x = left; x < right && x < pixels.width; ++x) {
+          const std::uint32_t p =
+              pixels.bgra[static_cast<std::size_t>(y) * static_cast<std::size_t>(pixels.width) +
+                          static_cast<std::size_t>(x)];
+          const std::uint32_t alpha = p >> 24;
+          for (int c = 0; c < 3; ++c) sum[c] += ((p >> (8 * c)) & 0xFFu) * alpha;
+          sum[3] += alpha;
+          ++count;
+        }
+      }
+      std::uint32_t out = 0;
+      if (sum[3] != 0) {
+        for (int c = 0; c < 3; ++c) {
+          out |= static_cast<std::uint32_t>((sum[c] + sum[3] / 2) / sum[3]) << (8 * c);
+        }
+        out |= static_cast<std::uint32_t>((sum[3] + count / 2) / count) << 24;
+      }
+      result.bgra[static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
+                  static_cast<std::size_t>(column)] = out;
+    }
+  }
+  return result;
+}
+
+void DrawPixelsOver(HDC dc, const Pixels& pixels) {
+  if (!Drawable(pixels)) return;
+  if (!HasAlpha(pixels)) {
+    DrawPixels(dc, pixels, 0, 0, 0);
+    return;
+  }
+  // What the context shows is read into a bitmap of our own, blended, and put back.
+  const BITMAPINFO info = TopDownInfo(pixels.width, pixels.height);
+  void* bits = nullptr;
+  UniqueBitmap behind(::CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  UniqueMemoryDC memory(::CreateCompatibleDC(dc));
+  if (!behind || bits == nullptr || !memory) return;
+  HGDIOBJ previous = ::SelectObject(memory.Get(), behind.Get());
+  ::BitBlt(memory.Get(), 0, 0, pixels.width, pixels.height, dc, 0, 0, SRCCOPY);
+  ::GdiFlush();
+  auto* target = static_cast<std::uint32_t*>(bits);
+  for (std::size_t i = 0; i < PixelCount(pixels); ++i) {
+    target[i] = Blend(pixels.bgra[i], target[i]);
+  }
+  ::BitBlt(dc, 0, 0, pixels.width, pixels.height, memory.Get(), 0, 0, SRCCOPY);
+  ::SelectObject(memory.Get(), previous);
 }
 
 UniqueBitmap MakeBitmap(const Pixels& pixels, int width, int height) {
