@@ -263,6 +263,9 @@ class FrmMain : public ui::Form {
   void CmdSlideShow_Click();
   // The tick of Timer1, and the tray menu's change that runs it at once.
   void Timer1_Timer();
+  // Loads the picture file into PBTempWallpaper, saves what the box shows as WP.bmp in the data
+  // folder and makes that the system's wallpaper: the end of the automatic change and of set now.
+  void MakeWallpaperOf(const std::string& path);
   void mnuChangeWallpaper_Click();
   // The appearance page (FrmMainAppearance.cpp): its handlers connected and its design values
   // given; the preview re-laid for an icon size, in the preview's pixels; the change routines of

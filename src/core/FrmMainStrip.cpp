@@ -28,8 +28,6 @@ namespace {
 void DoEvents() { platform::Use<platform::EventLoop>().DoEvents(); }
 
 constexpr std::uint32_t kWhite = 0xFFFFFF;
-constexpr std::uint32_t kSetDeskWallpaper = 20;
-constexpr std::uint32_t kUpdateIniFile = 1;
 constexpr std::int32_t kRestore = 9;  // the viewer's window restored to its place and size
 
 // Unpacks one entry of a collection into the data folder.
@@ -161,6 +159,7 @@ void FrmMain::LoadThumbnailStrip() {
       [&] { optThumb[0].Value(true); },
       [&] { picSlide.Visible(true); },
       [&] { TvCollections.Enabled(true); },
+      [&] { TvCollections.SetFocus(); },
       [&] { application.SetMousePointer(platform::kDefaultPointer); });
 }
 
@@ -233,24 +232,9 @@ void FrmMain::CmdSetAsWallpaper_Click() {
     // With no node selected the name is empty, as the routine has no guard of its own.
     const std::int32_t selected = TvCollections.SelectedItem();
     const std::string name = selected != 0 ? TvCollections.Item(selected).Text : std::string();
-    const std::string data = core::gDataFolder;
     UnpackEntry(name, tag);
-    const std::string temp = RenameAsTemp(tag);
-    ui::Pixels picture = PBTempWallpaper.TakePicture();
-    try {
-      platform::Use<platform::Pictures>().LoadPictureInto(temp, picture);
-    } catch (...) {
-      PBTempWallpaper.Picture(std::move(picture));
-      throw;
-    }
-    PBTempWallpaper.Width(picture.width * ui::kTwipsPerPixel);
-    PBTempWallpaper.Height(picture.height * ui::kTwipsPerPixel);
-    PBTempWallpaper.Picture(std::move(picture));
-    ui::Pixels rendered;
-    platform::Use<platform::Pictures>().SavePicture(ui::RenderedImage(PBTempWallpaper, rendered),
-                                                    data + "WP.bmp");
-    platform::Use<platform::Wallpaper>().SystemParametersInfoA(kSetDeskWallpaper, 0,
-                                                               data + "WP.bmp", kUpdateIniFile);
+    MakeWallpaperOf(RenameAsTemp(tag));
+    TvCollections.SetFocus();
   }
 }
 
@@ -268,7 +252,8 @@ void FrmMain::optThumb_DblClick(std::int16_t Index) {
       [&] {
         platform::Use<platform::WindowActions>().ShellExecuteA(hWnd, "Open", temp, "0", "0",
                                                                kRestore);
-      });
+      },
+      [&] { TvCollections.SetFocus(); });
 }
 
 }  // namespace quorvane

@@ -28,22 +28,6 @@ namespace {
 void DoEvents() { platform::Use<platform::EventLoop>().DoEvents(); }
 
 constexpr char kDesktopKey[] = "HKEY_CURRENT_USER\\Control Panel\\Desktop";
-constexpr std::uint32_t kSetDeskWallpaper = 20;
-constexpr std::uint32_t kUpdateIniFile = 1;
-
-// Loads the picture file into the box, the box's old picture lending the new one its memory
-// (a wallpaper's pixels are tens of megabytes). When the load fails the box keeps its old one.
-void LoadIntoBox(ui::PictureBox& box, const std::string& path) {
-  ui::Pixels picture = box.TakePicture();
-  try {
-    platform::Use<platform::Pictures>().LoadPictureInto(path, picture);
-  } catch (...) {
-    box.Picture(std::move(picture));
-    throw;
-  }
-  box.Picture(std::move(picture));
-}
-
 }  // namespace
 
 void FrmMain::RefreshCollections() {
@@ -142,14 +126,30 @@ void FrmMain::Timer1_Timer() {
 
   const std::string temp = "Temp." + FileExtensionOf(file);
   MoveFileOver(data + file, data + temp);
-  LoadIntoBox(PBTempWallpaper, data + temp);
+  MakeWallpaperOf(data + temp);
+}
+
+void FrmMain::MakeWallpaperOf(const std::string& path) {
+  // The box's old picture lends the new one its memory (a wallpaper's pixels are tens of
+  // megabytes); when the load fails the box keeps its old one. The box sizes itself to it.
+  ui::Pixels picture = PBTempWallpaper.TakePicture();
+  try {
+    platform::Use<platform::Pictures>().LoadPictureInto(path, picture);
+  } catch (...) {
+    PBTempWallpaper.Picture(std::move(picture));
+    throw;
+  }
+  PBTempWallpaper.Width(picture.width * ui::kTwipsPerPixel);
+  PBTempWallpaper.Height(picture.height * ui::kTwipsPerPixel);
+  PBTempWallpaper.Picture(std::move(picture));
   // What the box shows is saved, not the picture loaded: where a picture lets the background
   // through, the bitmap takes the box's back colour.
-  Pixels rendered;
+  const std::string bitmap = core::gDataFolder + "WP.bmp";
+  ui::Pixels rendered;
   platform::Use<platform::Pictures>().SavePicture(ui::RenderedImage(PBTempWallpaper, rendered),
-                                                  data + "WP.bmp");
-  platform::Use<platform::Wallpaper>().SystemParametersInfoA(kSetDeskWallpaper, 0,
-                                                             data + "WP.bmp", kUpdateIniFile);
+                                                  bitmap);
+  platform::Use<platform::Wallpaper>().SystemParametersInfoA(
+      platform::spi::kSetDeskWallpaper, 0, bitmap, platform::spi::kUpdateIniFile);
 }
 
 void FrmMain::mnuChangeWallpaper_Click() {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "Support.h"
 #include "appearance/ChangeSliderBG.h"
 #include "core/FrmMain.h"
 #include "platform/PageBackgrounds.h"
@@ -55,15 +56,6 @@ TEST_F(SliderBackgroundConformance, NoWindowHasNoProcedureToReplace) {
 }
 
 #ifdef _WIN32
-// Whether this process can make windows at all: a run of Wine with no display cannot.
-bool HasScreen() {
-  HWND probe = ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                                 ::GetModuleHandleA(nullptr), nullptr);
-  if (probe == nullptr) return false;
-  ::DestroyWindow(probe);
-  return true;
-}
-
 HWND Native(std::uint32_t handle) {
   return reinterpret_cast<HWND>(static_cast<INT_PTR>(static_cast<int>(handle)));
 }

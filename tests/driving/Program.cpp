@@ -34,6 +34,28 @@ std::string ClassNameOf(HWND window) {
   return std::string(name, length > 0 ? static_cast<std::size_t>(length) : 0U);
 }
 
+HWND FindShownWindow(DWORD processId, const char* className) {
+  struct Search {
+    DWORD processId;
+    const char* className;
+    HWND found;
+  } search{processId, className, nullptr};
+  ::EnumWindows(
+      [](HWND window, LPARAM parameter) -> BOOL {
+        auto* s = reinterpret_cast<Search*>(parameter);
+        DWORD owner = 0;
+        ::GetWindowThreadProcessId(window, &owner);
+        if (owner == s->processId && ClassNameOf(window) == s->className &&
+            ::IsWindowVisible(window) != 0) {
+          s->found = window;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
 std::string TextOf(HWND window) {
   char text[256] = {};
   const int length = ::GetWindowTextA(window, text, static_cast<int>(sizeof text));

@@ -49,6 +49,8 @@ HWND StartWithMainWindow(const std::string& program, const std::string& tail, bo
 // could not be posted or the process had to be forced.
 Verdict EndThroughExit(HWND window, const Child& child);
 std::string ClassNameOf(HWND window);
+// The first top-level window of the process with the class that is shown; null when none is.
+HWND FindShownWindow(DWORD processId, const char* className);
 std::string TextOf(HWND window);
 
 // Writes what the screen shows into a 24-bit BMP file. False, with `error`, on failure.

@@ -96,29 +96,6 @@ std::string Named(HWND window) {
   return "\"" + TextOf(window) + "\" (" + ClassNameOf(window) + ")";
 }
 
-// The first shown top-level window of the process with the class.
-HWND FindShownWindow(DWORD processId, const char* className) {
-  struct Search {
-    DWORD processId;
-    const char* className;
-    HWND found;
-  } search{processId, className, nullptr};
-  ::EnumWindows(
-      [](HWND window, LPARAM parameter) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(parameter);
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == s->processId && ClassNameOf(window) == s->className &&
-            ::IsWindowVisible(window) != 0) {
-          s->found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 // A file's whole content, or nothing when it is not there; and the file put back as it was.
 std::optional<std::string> Keep(const std::string& path) {
   if (::GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return std::nullopt;

@@ -117,29 +117,6 @@ std::string ShownPlacement(const std::string& path, const BitmapFacts& facts, st
   return found;
 }
 
-// The first top-level window of the process with the class, shown.
-HWND FindShownWindow(DWORD processId, const char* className) {
-  struct Search {
-    DWORD processId;
-    const char* className;
-    HWND found;
-  } search{processId, className, nullptr};
-  ::EnumWindows(
-      [](HWND window, LPARAM parameter) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(parameter);
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == s->processId && ClassNameOf(window) == s->className &&
-            ::IsWindowVisible(window) != 0) {
-          s->found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 UINT TreeCheckState(HWND tree, int position) {
   HTREEITEM item = reinterpret_cast<HTREEITEM>(::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0));
   for (int i = 1; i < position && item != nullptr; ++i) {

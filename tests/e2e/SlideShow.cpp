@@ -23,29 +23,6 @@ constexpr int kTolerance = 8;
 // The panel's face, and the face of the name of the file shown: Verdana 9 points, bold, black.
 constexpr std::uint32_t kPanelFace = 0xE0E0E0;
 
-// The first top-level window of the process with the class, shown.
-HWND FindShownWindow(DWORD processId, const char* className) {
-  struct Search {
-    DWORD processId;
-    const char* className;
-    HWND found;
-  } search{processId, className, nullptr};
-  ::EnumWindows(
-      [](HWND window, LPARAM parameter) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(parameter);
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == s->processId && ClassNameOf(window) == s->className &&
-            ::IsWindowVisible(window) != 0) {
-          s->found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 // The files of a folder as the system lists them, in its order.
 std::vector<std::string> ListFolder(const std::string& folder) {
   std::vector<std::string> names;

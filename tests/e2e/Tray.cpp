@@ -35,29 +35,6 @@ constexpr std::uint32_t kSeparator = 0xC5C3B8;
 constexpr std::uint32_t kSideBarLight = 0xDDECFE;
 constexpr std::uint32_t kSideBarDark = 0x81A9E2;
 
-// The first shown window of the process with this class.
-HWND ShownWindowOf(DWORD processId, const char* className) {
-  struct Search {
-    DWORD processId;
-    const char* className;
-    HWND found;
-  } search{processId, className, nullptr};
-  ::EnumWindows(
-      [](HWND window, LPARAM parameter) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(parameter);
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == s->processId && ClassNameOf(window) == s->className &&
-            ::IsWindowVisible(window) != 0) {
-          s->found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 // The icon's message, as the notification area sends it to the icon's window.
 void SendIconMessage(HWND popup, UINT mouseMessage) {
   ::PostMessageA(popup, kTrayCallback, 1, static_cast<LPARAM>(mouseMessage));
@@ -136,7 +113,7 @@ class TraySession {
     ::SendInput(2, input, sizeof(INPUT));
     HWND menu = nullptr;
     WaitUntil(kMenuTimeout, [&] {
-      menu = ShownWindowOf(child_.id, "#32768");
+      menu = FindShownWindow(child_.id, "#32768");
       return menu != nullptr;
     });
     if (!verdict.Check(menu != nullptr, "a right click at (" + std::to_string(at.x) + ", " +
@@ -160,12 +137,12 @@ class TraySession {
     MoveTo(IconPoint());
     SendIconMessage(popup_, WM_RBUTTONDOWN);
     ::Sleep(300);
-    verdict.Check(ShownWindowOf(child_.id, "#32768") == nullptr,
+    verdict.Check(FindShownWindow(child_.id, "#32768") == nullptr,
                   "the right button's press alone popped up a menu");
     SendIconMessage(popup_, WM_RBUTTONUP);
     HWND menu = nullptr;
     WaitUntil(kMenuTimeout, [&] {
-      menu = ShownWindowOf(child_.id, "#32768");
+      menu = FindShownWindow(child_.id, "#32768");
       return menu != nullptr;
     });
     verdict.Check(menu != nullptr, "no menu within " + std::to_string(kMenuTimeout / 1000) +
@@ -285,7 +262,7 @@ class TraySession {
     }
     ::Sleep(kNothingWait);
     verdict.Check(::IsWindowVisible(main_) == 0, "a single click or another button showed the window");
-    verdict.Check(ShownWindowOf(child_.id, "#32768") == nullptr,
+    verdict.Check(FindShownWindow(child_.id, "#32768") == nullptr,
                   "a single click or another button popped up a menu");
     SendIconMessage(popup_, WM_LBUTTONDOWN);
     SendIconMessage(popup_, WM_LBUTTONUP);
@@ -309,7 +286,7 @@ class TraySession {
     verdict.Check(MainShown(false), "PicMin did not hide the window");
     HWND note = nullptr;
     WaitUntil(kChangeTimeout, [&] {
-      note = ShownWindowOf(child_.id, kNotificationClass);
+      note = FindShownWindow(child_.id, kNotificationClass);
       return note != nullptr;
     });
     if (!verdict.Check(note != nullptr, "no notification after PicMin")) return verdict;
@@ -341,7 +318,7 @@ class TraySession {
     ClickAt(Centre(ScreenRect(minimise)));
     MainShown(false);
     WaitUntil(kChangeTimeout, [&] {
-      note = ShownWindowOf(child_.id, kNotificationClass);
+      note = FindShownWindow(child_.id, kNotificationClass);
       return note != nullptr;
     });
     if (verdict.Check(note != nullptr, "no notification after PicMin the second time")) {

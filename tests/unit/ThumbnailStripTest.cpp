@@ -419,6 +419,20 @@ TEST_F(ThumbnailStripTest, SetNowWithAnUndecodablePictureReachesTheCaller) {
   EXPECT_TRUE(wallpaper_.calls.empty());
 }
 
+TEST_F(ThumbnailStripTest, TheFillSetNowAndTheDoubleClickEachGiveTheTreeTheFocus) {
+  MakeCollection("Sea", {"a.jpg", "b.gif"}, "PIC 64 48 102030");
+  form_.Label13.SetFocus();
+  OpenFirst();
+  EXPECT_EQ(form_.ActiveControl(), &form_.TvCollections) << "after the fill";
+  form_.Label13.SetFocus();
+  form_.optThumb[1].Value(true);
+  form_.CmdSetAsWallpaper_Click();
+  EXPECT_EQ(form_.ActiveControl(), &form_.TvCollections) << "after set now";
+  form_.Label13.SetFocus();
+  form_.optThumb[1].DblClick();
+  EXPECT_EQ(form_.ActiveControl(), &form_.TvCollections) << "after the double click";
+}
+
 TEST_F(ThumbnailStripTest, DoubleClickOpensTheTemporaryFileInTheViewer) {
   MakeCollection("Sea", {"a.jpg", "b.gif"});
   OpenFirst();
