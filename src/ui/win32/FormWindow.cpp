@@ -8,6 +8,7 @@
 #include <climits>
 #include <stdexcept>
 
+#include "platform/win32/Handles.h"
 #include "platform/win32/Win32Application.h"
 #include "platform/MemorySurface.h"
 #include "ui/win32/PixelDrawing.h"
@@ -15,6 +16,17 @@
 namespace quorvane::ui::win32 {
 
 namespace {
+
+// The layout is in pixels at 96 to the inch whatever the screen's setting, so a slider's thumb is
+// kept at the length it has there: at a larger setting the system's longer thumb would leave no
+// room in the design's height for the tick marks.
+void KeepThumbAt96(HWND slider) {
+  const platform::win32::WindowDC screen;
+  const int dpi = screen ? ::GetDeviceCaps(screen.Get(), LOGPIXELSY) : 96;
+  if (dpi <= 96) return;
+  const auto length = static_cast<int>(::SendMessageA(slider, TBM_GETTHUMBLENGTH, 0, 0));
+  ::SendMessageA(slider, TBM_SETTHUMBLENGTH, static_cast<WPARAM>(::MulDiv(length, 96, dpi)), 0);
+}
 
 const char* const kPictureClass = "QuorvanePicture";
 const char* const kLabelClass = "QuorvaneLabel";
@@ -352,8 +364,9 @@ void FormWindow::MakeWindow(BoundControl& record) {
       break;
     case Kind::Slider:
       MakeChild(bound, {.className = TRACKBAR_CLASSA,
-                        .style = WS_TABSTOP | TBS_HORZ | TBS_AUTOTICKS});
+                        .style = WS_TABSTOP | TBS_HORZ | TBS_AUTOTICKS | TBS_FIXEDLENGTH});
       UseCaptionFont(bound.window);
+      KeepThumbAt96(bound.window);
       break;
     case Kind::Spin:
       MakeSpinEdit(bound, kSpinClass);
