@@ -122,4 +122,28 @@ std::string Shown(const std::optional<std::string>& value) {
   return value ? "\"" + *value + "\"" : "no value";
 }
 
+namespace {
+
+// The key the running program takes its wallpaper settings from when it starts, and the
+// desktop's.
+const char kStartSettingsKey[] = "Software\\Talvenor\\Mirefold\\Sablewick";
+const char kWallpaperKey[] = "Control Panel\\Desktop";
+
+}  // namespace
+
+KeptWallpaperSettings::KeptWallpaperSettings()
+    : enable(HKEY_CURRENT_USER, kStartSettingsKey, "Enable"),
+      interval(HKEY_CURRENT_USER, kStartSettingsKey, "TimeInterval"),
+      order(HKEY_CURRENT_USER, kStartSettingsKey, "ChangeOrder"),
+      position(HKEY_CURRENT_USER, kStartSettingsKey, "Position"),
+      tile(HKEY_CURRENT_USER, kWallpaperKey, "TileWallpaper"),
+      style(HKEY_CURRENT_USER, kWallpaperKey, "WallpaperStyle"),
+      wallpaper(HKEY_CURRENT_USER, kWallpaperKey, "Wallpaper"),
+      previousWallpaper(wallpaper.Now().value_or("")) {}
+
+bool KeptWallpaperSettings::StartChanging() const {
+  return enable.SetNumber(1) && interval.SetNumber(60) && order.SetNumber(1) &&
+         position.SetNumber(1);
+}
+
 }  // namespace quorvane::e2e

@@ -46,6 +46,25 @@ class KeptValue {
   std::vector<BYTE> bytes_;
 };
 
+// The settings a resident run of the program starts with, and the desktop's wallpaper values it
+// changes, each kept and put back when the run's scope ends; the system's own wallpaper (kept in
+// `previousWallpaper`) is the run's to set back, before the values go.
+struct KeptWallpaperSettings {
+  KeptWallpaperSettings();
+  // The change on, every 60 minutes (so the minute timer never fires by itself), in order,
+  // tiled. False when the key can't be written.
+  bool StartChanging() const;
+
+  KeptValue enable;
+  KeptValue interval;
+  KeptValue order;
+  KeptValue position;
+  KeptValue tile;
+  KeptValue style;
+  KeptValue wallpaper;
+  std::string previousWallpaper;
+};
+
 // A value for a message: "\"text\"", or "no value".
 std::string Shown(const std::optional<std::string>& value);
 

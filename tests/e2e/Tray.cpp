@@ -16,8 +16,6 @@ namespace quorvane::e2e {
 
 namespace {
 
-const char kStartSettingsKey[] = "Software\\Talvenor\\Mirefold\\Sablewick";
-const char kDesktopKey[] = "Control Panel\\Desktop";
 const char kNotificationClass[] = "QuorvaneNotification";
 const char kStillRunning[] =
     "Quorvane is still running, right click on the tray icon to see more options.";
@@ -435,17 +433,10 @@ void RunTray(const std::string& program, const std::string& screenshotFolder,
   }
   const ManifestPicture& good = pictures.front();
   // The settings the program starts with, for a change of the first picture; put back after.
-  KeptValue enable(HKEY_CURRENT_USER, kStartSettingsKey, "Enable");
-  KeptValue interval(HKEY_CURRENT_USER, kStartSettingsKey, "TimeInterval");
-  KeptValue order(HKEY_CURRENT_USER, kStartSettingsKey, "ChangeOrder");
-  KeptValue position(HKEY_CURRENT_USER, kStartSettingsKey, "Position");
-  KeptValue tile(HKEY_CURRENT_USER, kDesktopKey, "TileWallpaper");
-  KeptValue style(HKEY_CURRENT_USER, kDesktopKey, "WallpaperStyle");
-  KeptValue wallpaper(HKEY_CURRENT_USER, kDesktopKey, "Wallpaper");
-  const std::string previousWallpaper = wallpaper.Now().value_or("");
-  start.Check(enable.SetNumber(1) && interval.SetNumber(60) && order.SetNumber(1) &&
-                  position.SetNumber(1),
-              "the settings under " + enable.Where() + " can't be written");
+  KeptWallpaperSettings kept;
+  const KeptValue& wallpaper = kept.wallpaper;
+  start.Check(kept.StartChanging(),
+              "the settings under " + kept.enable.Where() + " can't be written");
   const std::string index = "[Files]\r\n1=" + good.collection + "\\" + good.file +
                             "\r\n[Count]\r\nTotal=1\r\n";
   if (std::FILE* file = std::fopen((folder + "Files.ini").c_str(), "wb")) {
@@ -475,7 +466,7 @@ void RunTray(const std::string& program, const std::string& screenshotFolder,
   report("tray: \"Change Wallpaper\"", session.ChangeCase(good, wallpaper));
   report("tray: \"Exit\"", session.ExitCase());
   if (IsRunning(child)) Terminate(child);
-  ::SystemParametersInfoA(SPI_SETDESKWALLPAPER, 0, const_cast<char*>(previousWallpaper.c_str()),
+  ::SystemParametersInfoA(SPI_SETDESKWALLPAPER, 0, const_cast<char*>(kept.previousWallpaper.c_str()),
                           SPIF_UPDATEINIFILE);
   ::DeleteFileA((folder + "Files.ini").c_str());
   report("tray: the close requests of the system menu and of another program",

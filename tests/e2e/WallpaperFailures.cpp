@@ -16,9 +16,6 @@ namespace quorvane::e2e {
 
 namespace {
 
-// The key the running program takes its wallpaper settings from when it starts.
-const char kStartSettingsKey[] = "Software\\Talvenor\\Mirefold\\Sablewick";
-const char kDesktopKey[] = "Control Panel\\Desktop";
 // The caption of every box the program shows without one of its own.
 const char kBoxTitle[] = "Quorvane";
 // A collection that Files.ini names and whose archive is not in the data folder.
@@ -277,17 +274,10 @@ void RunWallpaperFailures(const std::string& program, const std::string& screens
 
   // Every value the run touches is put back when these go, after the program has ended; the
   // system's wallpaper is set back first.
-  KeptValue enable(HKEY_CURRENT_USER, kStartSettingsKey, "Enable");
-  KeptValue interval(HKEY_CURRENT_USER, kStartSettingsKey, "TimeInterval");
-  KeptValue order(HKEY_CURRENT_USER, kStartSettingsKey, "ChangeOrder");
-  KeptValue position(HKEY_CURRENT_USER, kStartSettingsKey, "Position");
-  KeptValue tile(HKEY_CURRENT_USER, kDesktopKey, "TileWallpaper");
-  KeptValue style(HKEY_CURRENT_USER, kDesktopKey, "WallpaperStyle");
-  KeptValue wallpaper(HKEY_CURRENT_USER, kDesktopKey, "Wallpaper");
-  const std::string previousWallpaper = wallpaper.Now().value_or("");
-  start.Check(enable.SetNumber(1) && interval.SetNumber(60) && order.SetNumber(1) &&
-                  position.SetNumber(1),
-              "the settings under " + enable.Where() + " can't be written");
+  KeptWallpaperSettings kept;
+  const KeptValue& wallpaper = kept.wallpaper;
+  start.Check(kept.StartChanging(),
+              "the settings under " + kept.enable.Where() + " can't be written");
   start.Check(wallpaper.Set(""), "can't empty " + wallpaper.Where());
   // Nothing of an earlier change is left to be taken for this one's.
   for (const std::string& name :
@@ -326,11 +316,11 @@ void RunWallpaperFailures(const std::string& program, const std::string& screens
            session.FailedChange(failure, wallpaper));
   }
   report("wallpaper failures: a good Files.ini again, \"Quorvane.ChangeWallpaper\"",
-         session.GoodChange(good, tile, style, wallpaper));
+         session.GoodChange(good, kept.tile, kept.style, wallpaper));
 
   const Verdict end = EndThroughExit(window, child);
   if (!end.Passed()) report("wallpaper failures: end", end);
-  ::SystemParametersInfoA(SPI_SETDESKWALLPAPER, 0, const_cast<char*>(previousWallpaper.c_str()),
+  ::SystemParametersInfoA(SPI_SETDESKWALLPAPER, 0, const_cast<char*>(kept.previousWallpaper.c_str()),
                           SPIF_UPDATEINIFILE);
 }
 
