@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Runs every test tier: native unit, conformance and fuzz corpus runs, then the Windows
 # conformance and end-to-end tests under Wine. Ends with the count of each tier, so that a tier
-# that ran fewer cases than it should shows at a glance, and the whole run's "N passed, N failed"
-# (", N skipped" after it when a case skipped). The exit status is non-zero when anything failed.
+# that ran fewer cases than it should shows at a glance, and the whole run's "N passed, N failed".
+# A case that skipped counts as failed: in this run a skip could only hide something set-up failed
+# to install. The exit status is non-zero when anything failed.
 set -uo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -40,12 +41,11 @@ wine_finish
 fuzz_runs="$(sed -n 's/^QUORVANE_FUZZ_RUNS:STRING=//p' build/native/CMakeCache.txt 2>/dev/null)"
 echo
 echo "== counts"
-# tier_line LABEL PASSED FAILED SKIPPED [NOTE]
+# tier_line LABEL PASSED FAILED [NOTE]
 tier_line() {
   local line
   line="$(printf '%-44s %5d passed, %d failed' "$1" "$2" "$3")"
-  [ "$4" -gt 0 ] && line+=", $4 skipped"
-  [ -n "${5:-}" ] && line+="  ($5)"
+  [ -n "${4:-}" ] && line+="  ($4)"
   echo "$line"
 }
 # The native tests by the first part of their names: unit_tests.*, conformance_portable.*, fuzz.*,
@@ -55,7 +55,6 @@ native_counts="$(awk '
     name = $0; sub(/^.* Test +#[0-9]+: /, "", name); sub(/\..*$/, "", name); sub(/ .*$/, "", name)
     tier = (name == "unit_tests" || name == "conformance_portable" || name == "fuzz") ? name : "other"
     if ($0 ~ / Passed +[0-9.]+ sec$/) passed[tier]++
-    else if ($0 ~ /(\*\*\*| )Skipped +[0-9.]+ sec$/) skipped[tier]++
     else failed[tier]++
     seen[tier] = 1
   }
@@ -63,7 +62,7 @@ native_counts="$(awk '
     split("unit_tests conformance_portable fuzz other", order, " ")
     for (i = 1; i <= 4; i++) {
       t = order[i]
-      printf "%s %d %d %d\n", t, passed[t], failed[t], skipped[t]
+      printf "%s %d %d\n", t, passed[t], failed[t]
     }
   }' "$native_log" 2>/dev/null)"
 # The Windows tests: the cases of each GoogleTest program, then the other tests.
@@ -83,9 +82,10 @@ windows_counts="$(awk '
     n = $0; sub(/:.*$/, "", n); c = $0; sub(/^.*FAILED  \] /, "", c); sub(/ .*$/, "", c)
     gfailed[n] += c; gtest[n] = 1
   }
+  # A skipped case is a failed one here.
   match($0, /^[0-9]+: \[  SKIPPED \] [0-9]+ tests?, listed below/) {
     n = $0; sub(/:.*$/, "", n); c = $0; sub(/^.*SKIPPED \] /, "", c); sub(/ .*$/, "", c)
-    gskipped[n] += c; gtest[n] = 1
+    gfailed[n] += c; gtest[n] = 1
   }
   END {
     for (i = 1; i <= count; i++) {
@@ -93,47 +93,45 @@ windows_counts="$(awk '
       if (gtest[n]) {
         # A program that failed without a failed case (a crash, no summary) counts one failure.
         f = gfailed[n]; if (result[n] == "failed" && f == 0) f = 1
-        printf "gtest %s %d %d %d\n", names[n], gpassed[n], f, gskipped[n]
+        printf "gtest %s %d %d\n", names[n], gpassed[n], f
       } else {
-        printf "other %s %d %d 0\n", names[n], (result[n] == "passed"), (result[n] == "failed")
+        printf "other %s %d %d\n", names[n], (result[n] == "passed"), (result[n] == "failed")
       }
     }
   }' "$windows_log" 2>/dev/null)"
 
 all_passed=0
 all_failed=0
-all_skipped=0
 add() {
   all_passed=$((all_passed + $1))
   all_failed=$((all_failed + $2))
-  all_skipped=$((all_skipped + $3))
 }
-while read -r tier p f s; do
+while read -r tier p f; do
   [ -n "$tier" ] || continue
   case "$tier" in
-    unit_tests) tier_line "native unit cases" "$p" "$f" "$s" ;;
-    conformance_portable) tier_line "native conformance cases" "$p" "$f" "$s" ;;
-    fuzz) tier_line "native fuzz runs" "$p" "$f" "$s" "${fuzz_runs:-?} random inputs a harness" ;;
-    other) [ $((p + f + s)) -eq 0 ] || tier_line "native whole-program checks" "$p" "$f" "$s" ;;
+    unit_tests) tier_line "native unit cases" "$p" "$f" ;;
+    conformance_portable) tier_line "native conformance cases" "$p" "$f" ;;
+    fuzz) tier_line "native fuzz runs" "$p" "$f" "${fuzz_runs:-?} random inputs a harness" ;;
+    other) [ $((p + f)) -eq 0 ] || tier_line "native whole-program checks" "$p" "$f" ;;
   esac
-  add "$p" "$f" "$s"
+  add "$p" "$f"
 done <<<"$native_counts"
 other_p=0
 other_f=0
-while read -r kind name p f s; do
+while read -r kind name p f; do
   [ -n "$kind" ] || continue
   if [ "$kind" = gtest ]; then
-    tier_line "windows cases of $name" "$p" "$f" "$s"
-    add "$p" "$f" "$s"
+    tier_line "windows cases of $name" "$p" "$f"
+    add "$p" "$f"
   else
     other_p=$((other_p + p))
     other_f=$((other_f + f))
   fi
 done <<<"$windows_counts"
-[ -n "$windows_counts" ] || tier_line "windows tests (no log)" 0 1 0
+[ -n "$windows_counts" ] || tier_line "windows tests (no log)" 0 1
 [ $((other_p + other_f)) -eq 0 ] ||
-  tier_line "windows whole-program checks" "$other_p" "$other_f" 0 "start-up, cabinets"
-add "$other_p" "$other_f" 0
+  tier_line "windows whole-program checks" "$other_p" "$other_f" "start-up, cabinets"
+add "$other_p" "$other_f"
 e2e_line="$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$e2e_log" 2>/dev/null | tail -n 1)"
 if [ -n "$e2e_line" ]; then
   read -r e2e_p _ e2e_f _ <<<"$e2e_line"
@@ -141,11 +139,9 @@ else
   e2e_p=0
   e2e_f=1
 fi
-tier_line "end-to-end cases" "$e2e_p" "$e2e_f" 0
-add "$e2e_p" "$e2e_f" 0
+tier_line "end-to-end cases" "$e2e_p" "$e2e_f"
+add "$e2e_p" "$e2e_f"
 
 [ "$all_failed" -eq 0 ] || status=1
-summary="$all_passed passed, $all_failed failed"
-[ "$all_skipped" -eq 0 ] || summary+=", $all_skipped skipped"
-echo "$summary"
+echo "$all_passed passed, $all_failed failed"
 exit $status
