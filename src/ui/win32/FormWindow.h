@@ -264,6 +264,11 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // A key of a modal form's loop shown to the form first, when it previews keys; true when the
   // form took the key, or is gone.
   bool PreviewKey(const MSG& message);
+  // The same for a key that a yield takes while a routine runs (the message preview the event
+  // loop asks): the form whose window the key is for sees it first when it previews keys.
+  static bool PreviewYieldedKey(const MSG& message);
+  // The bindings that have a form's windows now, for the preview of keys taken by a yield.
+  static std::vector<FormWindow*>& LiveBindings();
   // The colour of the form's own surface.
   std::uint32_t FormFace() const;
   // Only a window on the screen; one that comes is painted whole.
