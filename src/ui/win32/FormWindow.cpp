@@ -400,7 +400,8 @@ void FormWindow::MakeWindow(BoundControl& record) {
       Place(bound);
       break;
     case Kind::PictureOption:
-      MakeChild(bound, {.className = kPictureClass, .ownClass = true});
+      // Its text is its caption, as a button's is, though the caption is drawn.
+      MakeChild(bound, {.className = kPictureClass, .showsCaption = true, .ownClass = true});
       break;
     case Kind::Scroll:
     case Kind::Progress:
