@@ -18,11 +18,11 @@
 // The strip is then checked: optThumb(<pictures> - 1) is a new window and optThumb(<pictures>)
 // does not exist.
 //
-// Memory: the working set (resident pages) and the private bytes of quorvane.exe's process, as
-// GetProcessMemoryInfo reports them from this process (under Wine: the resident set and the
-// private data of the process's /proc entry). Sampled just before each click ("before"), and at
-// every poll step of the fill, about each millisecond; the highest sample is the fill's peak. The
-// process's own peak working set (its high-water mark since it started) is printed too.
+// Memory: the working set of quorvane.exe's process, as GetProcessMemoryInfo reports it to this
+// process (under Wine the resident set, VmRSS, of the process's /proc entry; Wine reports no
+// private bytes for another process). Sampled just before each click ("before"), and at every
+// poll step of the fill, about each millisecond; the highest sample is the fill's peak. The
+// process's own peak working set (its high-water mark since it started, VmHWM) is printed too.
 #include <windows.h>
 #include <psapi.h>
 
@@ -85,18 +85,15 @@ bool Settled(HWND main) {
 
 struct Memory {
   double workingSet = 0.0;  // MB
-  double privateBytes = 0.0;
   double peakWorkingSet = 0.0;
 };
 
 Memory MemoryOf(HANDLE process) {
-  PROCESS_MEMORY_COUNTERS_EX counters{};
+  PROCESS_MEMORY_COUNTERS counters{};
   counters.cb = sizeof counters;
   Memory memory;
-  if (::GetProcessMemoryInfo(process, reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                             sizeof counters) != 0) {
+  if (::GetProcessMemoryInfo(process, &counters, sizeof counters) != 0) {
     memory.workingSet = static_cast<double>(counters.WorkingSetSize) / kMegabyte;
-    memory.privateBytes = static_cast<double>(counters.PrivateUsage) / kMegabyte;
     memory.peakWorkingSet = static_cast<double>(counters.PeakWorkingSetSize) / kMegabyte;
   }
   return memory;
@@ -116,7 +113,6 @@ bool WaitForFill(HWND main, HWND tree, HANDLE process, double begin, Fill& fill,
   for (;;) {
     const Memory now = MemoryOf(process);
     fill.peak.workingSet = std::max(fill.peak.workingSet, now.workingSet);
-    fill.peak.privateBytes = std::max(fill.peak.privateBytes, now.privateBytes);
     const bool enabled = ::IsWindowEnabled(tree) != 0;
     if (!enabled) disabled = true;
     if (disabled && enabled) break;
@@ -214,15 +210,11 @@ int Measure(std::FILE* out, HWND main, const driving::Child& child, int runs, in
 
   std::vector<double> times;
   std::vector<double> beforeSet;
-  std::vector<double> beforePrivate;
   double peakSet = 0.0;
-  double peakPrivate = 0.0;
   for (const Fill& fill : fills) {
     times.push_back(fill.milliseconds);
     beforeSet.push_back(fill.before.workingSet);
-    beforePrivate.push_back(fill.before.privateBytes);
     peakSet = std::max(peakSet, fill.peak.workingSet);
-    peakPrivate = std::max(peakPrivate, fill.peak.privateBytes);
   }
   const Memory end = MemoryOf(process);
   std::fprintf(out, "fill of %d pictures, click on the node to the last thumbnail drawn, %zu runs "
@@ -234,15 +226,14 @@ int Measure(std::FILE* out, HWND main, const driving::Child& child, int runs, in
   std::fprintf(out, "  median %.0f ms (min %.0f, max %.0f, mean %.0f): %.1f ms a picture\n",
                Median(times), *low, *high, Mean(times), Median(times) / pictures);
   std::fprintf(out,
-               "memory of quorvane.exe (working set / private bytes, MB):\n"
-               "  before the first fill (page not yet opened)   %7.1f / %7.1f\n"
-               "  peak during the first fill (warm-up)           %7.1f / %7.1f\n"
-               "  before each timed fill (median)                %7.1f / %7.1f\n"
-               "  peak during the timed fills                    %7.1f / %7.1f\n"
+               "working set of quorvane.exe, MB:\n"
+               "  before the first fill (page not yet opened)   %7.1f\n"
+               "  peak during the first fill (warm-up)           %7.1f\n"
+               "  before each timed fill (median)                %7.1f\n"
+               "  peak during the timed fills                    %7.1f\n"
                "  process's peak working set since its start     %7.1f\n",
-               started.workingSet, started.privateBytes, warmUp.peak.workingSet,
-               warmUp.peak.privateBytes, Median(beforeSet), Median(beforePrivate), peakSet,
-               peakPrivate, end.peakWorkingSet);
+               started.workingSet, warmUp.peak.workingSet, Median(beforeSet), peakSet,
+               end.peakWorkingSet);
   // For the script's ratios.
   std::fprintf(out, "ms_per_picture %.2f\n", Median(times) / pictures);
   return failed == 0 ? 0 : 1;
