@@ -15,6 +15,11 @@
 #   bash scripts/bench.sh cabinet    packing the JPEGs of Debian's wallpaper packages into a
 #                                    collection file against `gcab -c -z`, and unpacking its first
 #                                    and last entry against `cabextract -F`, natively
+#   bash scripts/bench.sh thumbnails the wallpaper page's strip filled with the JPEGs of Debian's
+#                                    wallpaper packages under Wine, click to the last thumbnail
+#                                    drawn, with the program's memory, against ImageMagick's
+#                                    `convert -thumbnail 64x64` and `vipsthumbnail`, one process a
+#                                    picture, on the same files
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -205,6 +210,95 @@ bench_wallpaper() {
   display_stop
 }
 
+bench_thumbnails() {
+  local convert=/usr/bin/convert vips
+  vips="$(command -v vipsthumbnail || true)"
+  # ImageMagick's own convert, by its full path: one found first on PATH may be something else.
+  if [ ! -x "$convert" ] || ! "$convert" -version 2>/dev/null | grep -q ImageMagick; then
+    echo "thumbnails: ImageMagick's $convert is missing: run \`make setup\` (package imagemagick)" >&2
+    return 1
+  fi
+  if [ -z "$vips" ]; then
+    echo "thumbnails: vipsthumbnail is missing: run \`make setup\` (package libvips-tools)" >&2
+    return 1
+  fi
+  local -a pictures
+  mapfile -t pictures < <(find /usr/share/backgrounds /usr/share/wallpapers -type f -iname '*.jpg' 2>/dev/null | LC_ALL=C sort)
+  if [ ${#pictures[@]} -lt 60 ]; then
+    echo "thumbnails: ${#pictures[@]} JPEGs among Debian's wallpapers, 60 wanted: run \`make setup\` (${wallpaper_packages[*]})" >&2
+    return 1
+  fi
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" --target quorvane cab_probe win_thumbnails >/dev/null
+  local dir="$root/build/bench/thumbnails"
+  rm -rf "$dir"
+  mkdir -p "$dir/src" "$dir/out"
+  # One flat folder, the pictures numbered in a fixed order, since several share a name.
+  local n=0 f
+  for f in "${pictures[@]}"; do
+    n=$((n + 1))
+    cp "$f" "$dir/src/$(printf '%03d' "$n")-$(basename "$f" | tr ' ' '_')"
+  done
+  local files=("$dir/src"/*)
+  local megapixels
+  megapixels="$(/usr/bin/identify -format '%w %h\n' "${files[@]}" 2>/dev/null |
+    awk '{ s += $1 * $2 } END { printf "%.1f", s / NR / 1e6 }')"
+
+  source scripts/wine-env.sh
+  wine_prepare
+  # The program's data folder holds this collection alone while the run lasts.
+  local appdata data_w data_u kept="$dir/kept"
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+    echo "thumbnails: the program's data folder could not be found" >&2
+    return 1
+  fi
+  mkdir -p "$data_u" "$kept"
+  local name
+  for name in "$data_u"/*.RXS "$data_u"/Files.ini "$data_u"/WP.bmp "$data_u"/Temp.*; do
+    [ -e "$name" ] && mv "$name" "$kept/"
+  done
+  local -a files_w=()
+  for f in "${files[@]}"; do files_w+=("$(winepath -w "$f" 2>/dev/null)"); done
+  local status=0
+  if ! wine build/windows/cab_probe.exe pack "$data_w\\Thumbnails.RXS" "${files_w[@]}" >/dev/null 2>&1 </dev/null; then
+    echo "thumbnails: the collection could not be packed" >&2
+    status=1
+  else
+    echo "== the wallpaper page's strip filled with $n JPEGs of Debian's wallpaper packages (mean"
+    echo "   $megapixels Mpixel), click on the node to the last thumbnail drawn; $runs runs after a"
+    echo "   warm-up, under Wine in a virtual desktop on Xvfb"
+    run_in_desktop thumbnails win_thumbnails.exe $(( runs * 1200 + 1200 )) "$n" | tee "$dir/ours.txt" || status=1
+  fi
+  rm -rf "${data_u:?}/Thumbnails.RXS" "${data_u:?}/Thumbnails"
+  for name in "$kept"/*; do [ -e "$name" ] && mv "$name" "$data_u/"; done
+  rm -rf "$kept"
+  wine_finish
+  [ "$status" = 0 ] || return 1
+
+  local tool_runs=$(( runs < 3 ? runs : 3 ))
+  echo "== the same $n files, one process a picture: ImageMagick's convert -thumbnail 64x64 and"
+  echo "   vipsthumbnail -s 64x64; $tool_runs runs"
+  printf '%s\n' "${files[@]}" >"$dir/list.txt"
+  hyperfine --style basic --warmup 1 --runs "$tool_runs" \
+    -n "convert -thumbnail 64x64" \
+    "while IFS= read -r f; do $convert \"\$f\" -thumbnail 64x64 '$dir/out/convert.png'; done <'$dir/list.txt'" \
+    -n "vipsthumbnail -s 64x64" \
+    "while IFS= read -r f; do $vips \"\$f\" -s 64x64 -o '$dir/out/vips.png'; done <'$dir/list.txt'" \
+    --export-json "$dir/tools.json"
+  local ours
+  ours="$(awk '$1 == "ms_per_picture" { print $2 }' "$dir/ours.txt")"
+  grep -o '"median": *[0-9.e+-]*' "$dir/tools.json" | awk -v n="$n" -v ours="$ours" -F': *' '
+    NR == 1 { convert = $2 * 1000 / n } NR == 2 { vips = $2 * 1000 / n }
+    END {
+      printf "a picture: quorvane %.1f ms, convert %.1f ms, vipsthumbnail %.1f ms\n", ours, convert, vips
+      printf "ratios: quorvane / convert %.2f, quorvane / vipsthumbnail %.2f\n", ours / convert, ours / vips
+    }'
+  rm -rf "$dir/src" "$dir/out"
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
@@ -212,6 +306,7 @@ case "$what" in
   switch) bench_switch ;;
   cabinet) bench_cabinet ;;
   wallpaper) bench_wallpaper ;;
-  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper ;;
+  thumbnails) bench_thumbnails ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper; bench_thumbnails ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac

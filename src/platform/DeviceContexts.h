@@ -136,6 +136,17 @@ class DeviceContexts {
                                   std::uint32_t /*rop*/) {
     return 0;
   }
+  // The same stretch from pixels that are in no bitmap: those at `bits`, laid out as `header`
+  // tells (32 or 24 bits a pixel, no colour table; rows top-down for a negative height). They are
+  // read where they lie, with no copy made into a bitmap first. Non-zero on success.
+  virtual std::int32_t StretchDIBits(GdiHandle /*dc*/, std::int32_t /*x*/, std::int32_t /*y*/,
+                                     std::int32_t /*width*/, std::int32_t /*height*/,
+                                     std::int32_t /*sourceX*/, std::int32_t /*sourceY*/,
+                                     std::int32_t /*sourceWidth*/, std::int32_t /*sourceHeight*/,
+                                     const void* /*bits*/, const BitmapInfoHeader& /*header*/,
+                                     std::uint32_t /*usage*/, std::uint32_t /*rop*/) {
+    return 0;
+  }
 };
 
 }  // namespace quorvane::platform

@@ -1,7 +1,6 @@
 #include "wallpaper/Thumbnails.h"
 
 #include <cmath>
-#include <cstring>
 
 #include "platform/DeviceContexts.h"
 #include "platform/Service.h"
@@ -14,50 +13,6 @@ namespace {
 
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kFillColor = 0x000000;  // the box's fill colour: black
-
-// A memory context that shows a picture box's picture over its back colour, as the box's own
-// context does: the source of a stretch. Everything it made goes with it.
-class PictureContext {
- public:
-  PictureContext(platform::DeviceContexts& gdi, const ui::PictureBox& box) : gdi_(gdi) {
-    ui::Pixels scratch;
-    const ui::Pixels& picture = ui::RenderedImage(box, scratch);
-    if (picture.Empty()) return;
-    dc_ = gdi_.CreateCompatibleDC(0);
-    if (dc_ == 0) return;
-    platform::BitmapInfoHeader header;
-    header.biWidth = picture.width;
-    header.biHeight = -picture.height;  // top-down, as the pixels are
-    header.biPlanes = 1;
-    header.biBitCount = 32;
-    std::uint8_t* bits = nullptr;
-    bitmap_ = gdi_.CreateDIBSection(dc_, header, platform::gdi::kDibRgbColors, &bits, 0, 0);
-    if (bitmap_ == 0 || bits == nullptr) return;
-    std::memcpy(bits, picture.bgra.data(), picture.bgra.size() * sizeof(std::uint32_t));
-    previous_ = gdi_.SelectObject(dc_, bitmap_);
-    width_ = picture.width;
-    height_ = picture.height;
-  }
-  ~PictureContext() {
-    if (previous_ != 0) gdi_.SelectObject(dc_, previous_);
-    if (bitmap_ != 0) gdi_.DeleteObject(bitmap_);
-    if (dc_ != 0) gdi_.DeleteDC(dc_);
-  }
-  PictureContext(const PictureContext&) = delete;
-  PictureContext& operator=(const PictureContext&) = delete;
-
-  platform::GdiHandle hDC() const { return previous_ != 0 ? dc_ : 0; }
-  std::int32_t Width() const { return width_; }
-  std::int32_t Height() const { return height_; }
-
- private:
-  platform::DeviceContexts& gdi_;
-  platform::GdiHandle dc_ = 0;
-  platform::GdiHandle bitmap_ = 0;
-  platform::GdiHandle previous_ = 0;
-  std::int32_t width_ = 0;
-  std::int32_t height_ = 0;
-};
 
 // A whole number from a reduced size, the even one at a half.
 std::int32_t Rounded(double value) { return static_cast<std::int32_t>(std::nearbyint(value)); }
@@ -82,8 +37,11 @@ void DrawThumbnail(ui::PictureBox& source, ui::PictureBox& target) {
   target.AutoRedraw(true);
   target.Cls();
 
-  const PictureContext from(gdi, source);
-  const ThumbnailPlace place = ThumbnailPlaceOf(from.Width(), from.Height());
+  // The picture as the box shows it over its back colour. An opaque one is the box's own pixels,
+  // which the stretch reads where they lie: a full picture is never copied for it.
+  ui::Pixels scratch;
+  const ui::Pixels& picture = ui::RenderedImage(source, scratch);
+  const ThumbnailPlace place = ThumbnailPlaceOf(picture.width, picture.height);
   const platform::GdiHandle dc = target.hDC();
 
   // Halftone stretching needs the brush origin set; the brush of the fill colour is selected for
@@ -96,8 +54,14 @@ void DrawThumbnail(ui::PictureBox& source, ui::PictureBox& target) {
   gdi.SetBrushOrgEx(dc, place.x, place.y, &oldX, &oldY);
   gdi.SelectObject(dc, displaced);
 
-  gdi.StretchBlt(dc, place.x, place.y, place.width, place.height, from.hDC(), 0, 0, from.Width(),
-                 from.Height(), platform::gdi::kSrcCopy);
+  platform::BitmapInfoHeader header;
+  header.biWidth = picture.width;
+  header.biHeight = -picture.height;  // top-down, as the pixels are
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  gdi.StretchDIBits(dc, place.x, place.y, place.width, place.height, 0, 0, picture.width,
+                    picture.height, picture.Empty() ? nullptr : picture.bgra.data(), header,
+                    platform::gdi::kDibRgbColors, platform::gdi::kSrcCopy);
 
   gdi.SetStretchBltMode(dc, oldMode);
   displaced = gdi.SelectObject(dc, brush);

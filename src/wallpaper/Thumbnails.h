@@ -25,8 +25,8 @@ ThumbnailPlace ThumbnailPlaceOf(std::int32_t sourceWidth, std::int32_t sourceHei
 
 // Draws the picture of `source` reduced by the fixed factor, centred, into `target`, which it
 // makes 64 by 64 pixels, white and persistent first, and frames it with a one-pixel black box
-// just outside the reduced picture. The reduction is halftone, through the device contexts of
-// the two boxes.
+// just outside the reduced picture. The reduction is halftone, from the source's own pixels into
+// the target's device context: no copy of the full picture is made for it.
 void DrawThumbnail(ui::PictureBox& source, ui::PictureBox& target);
 
 // `name` as a thumbnail's caption within `limit` twips of the captions' type: a name that fits

@@ -11,9 +11,12 @@
 
 #include "core/FrmMain.h"
 #include "core/FrmWorking.h"
+#include "platform/EventLoop.h"
 #include "platform/Forms.h"
+#include "platform/Pictures.h"
 #include "platform/Service.h"
 #include "ui/Controls.h"
+#include "wallpaper/FrmSlideShow.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -123,6 +126,51 @@ TEST_F(FormsConformance, EveryControlOfTheMainWindowIsFoundByItsSystemName) {
   EXPECT_EQ(Lookup(main, "NoSuchControl"), nullptr);
   window.Destroy();
   EXPECT_EQ(form.hWnd, 0u);
+}
+
+// A slide show whose step is made while Escape waits in the queue: the key, meant for the control
+// with the focus, is taken by the step's own yield, and must reach the form there as it does at
+// any other time.
+struct EscapeDuringAStep {
+  FrmSlideShow* show = nullptr;
+  bool stepped = false;
+  bool goneInTheStep = false;
+};
+EscapeDuringAStep* gEscapeCase = nullptr;
+
+void CALLBACK StepWithEscapeWaiting(HWND, UINT, UINT_PTR timer, DWORD) {
+  ::KillTimer(nullptr, timer);
+  EscapeDuringAStep& escapeCase = *gEscapeCase;
+  FrmSlideShow& show = *escapeCase.show;
+  const HWND focused = Native(show.CboInterval.hWnd);
+  ::SetFocus(focused);
+  ::PostMessageA(focused, WM_KEYDOWN, VK_ESCAPE, 0x00010001);
+  ::PostMessageA(focused, WM_KEYUP, VK_ESCAPE, static_cast<LPARAM>(0xC0010001u));
+  show.CmdNext_Click();
+  escapeCase.stepped = true;
+  escapeCase.goneInTheStep = !show.Loaded();
+  // Ends the show all the same, so that a key lost on the way fails the case rather than hangs it.
+  if (show.Loaded()) show.Unload();
+}
+
+TEST_F(FormsConformance, EscapeThatComesWhileTheSlideShowYieldsInAStepClosesIt) {
+  const std::string folder = FreshTempFolder();
+  ui::Pixels picture{8, 6, std::vector<std::uint32_t>(48, 0xFF336699u)};
+  platform::Use<platform::Pictures>().SavePicture(picture, folder + "a.bmp");
+  FrmSlideShow show;
+  // No folder of that name: the show lists nothing and steps through the one path given.
+  show.Tag = "NoSuchCollection";
+  show.SlideFiles = {folder + "a.bmp"};
+  EscapeDuringAStep escapeCase;
+  escapeCase.show = &show;
+  gEscapeCase = &escapeCase;
+  ASSERT_NE(::SetTimer(nullptr, 0, 200, &StepWithEscapeWaiting), 0u);
+  platform::Use<platform::Forms>().Show(show, true, 0);
+  gEscapeCase = nullptr;
+  EXPECT_TRUE(escapeCase.stepped);
+  EXPECT_TRUE(escapeCase.goneInTheStep) << "Escape taken by the step's yield did not reach the form";
+  EXPECT_FALSE(show.Loaded());
+  EXPECT_EQ(show.LblInformation.Caption(), "a.bmp") << "the step went on to its end";
 }
 #endif
 

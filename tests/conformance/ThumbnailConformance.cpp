@@ -6,10 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
+#include "platform/DeviceContexts.h"
 #include "platform/MemorySurface.h"
+#include "platform/Service.h"
 #include "ui/Controls.h"
 #include "wallpaper/Thumbnails.h"
 
@@ -112,6 +116,82 @@ TEST_F(ThumbnailConformance, AWiderThanTallPictureIsCroppedAtTheSidesAndFramedAb
     ASSERT_TRUE(Near(At(image, x, 47), 0x808000, 8)) << x;
     ASSERT_EQ(At(image, x, 48), kBlack) << x;
     ASSERT_EQ(At(image, x, 49), kWhite) << x;
+  }
+}
+
+// The thumbnail drawn the plain way, for comparison: the picture copied into a bitmap of its own
+// in a memory context, and stretched from there with the same steps around the stretch.
+ui::Pixels ThroughABitmapOfItsOwn(const ui::Pixels& picture) {
+  auto& gdi = platform::Use<platform::DeviceContexts>();
+  ui::PictureBox target{"picReference"};
+  target.UseSurface(std::make_shared<platform::MemorySurface>());
+  target.Width(64 * ui::kTwipsPerPixel);
+  target.Height(64 * ui::kTwipsPerPixel);
+  target.BackColor = kWhite;
+  target.Cls();
+  const ThumbnailPlace place = ThumbnailPlaceOf(picture.width, picture.height);
+  const platform::GdiHandle source = gdi.CreateCompatibleDC(0);
+  platform::BitmapInfoHeader header;
+  header.biWidth = picture.width;
+  header.biHeight = -picture.height;
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  std::uint8_t* bits = nullptr;
+  const platform::GdiHandle bitmap =
+      gdi.CreateDIBSection(source, header, platform::gdi::kDibRgbColors, &bits, 0, 0);
+  if (bitmap == 0 || bits == nullptr) return {};
+  std::memcpy(bits, picture.bgra.data(), picture.bgra.size() * sizeof(std::uint32_t));
+  const platform::GdiHandle previous = gdi.SelectObject(source, bitmap);
+  const platform::GdiHandle dc = target.hDC();
+  const std::int32_t oldMode = gdi.SetStretchBltMode(dc, platform::gdi::kHalftone);
+  const platform::GdiHandle brush = gdi.CreateSolidBrush(0);
+  platform::GdiHandle displaced = gdi.SelectObject(dc, brush);
+  gdi.UnrealizeObject(displaced);
+  std::int32_t oldX = 0, oldY = 0;
+  gdi.SetBrushOrgEx(dc, place.x, place.y, &oldX, &oldY);
+  gdi.SelectObject(dc, displaced);
+  gdi.StretchBlt(dc, place.x, place.y, place.width, place.height, source, 0, 0, picture.width,
+                 picture.height, platform::gdi::kSrcCopy);
+  gdi.SetStretchBltMode(dc, oldMode);
+  displaced = gdi.SelectObject(dc, brush);
+  gdi.UnrealizeObject(displaced);
+  gdi.SetBrushOrgEx(dc, oldX, oldY, nullptr, nullptr);
+  gdi.SelectObject(dc, displaced);
+  gdi.DeleteObject(brush);
+  const std::int32_t left = place.x - 1, top = place.y - 1;
+  const std::int32_t right = place.x + place.width, bottom = place.y + place.height;
+  gdi.BitBlt(dc, left, top, right - left + 1, 1, 0, 0, 0, platform::gdi::kBlackness);
+  gdi.BitBlt(dc, left, bottom, right - left + 1, 1, 0, 0, 0, platform::gdi::kBlackness);
+  gdi.BitBlt(dc, left, top, 1, bottom - top + 1, 0, 0, 0, platform::gdi::kBlackness);
+  gdi.BitBlt(dc, right, top, 1, bottom - top + 1, 0, 0, 0, platform::gdi::kBlackness);
+  gdi.SelectObject(source, previous);
+  gdi.DeleteObject(bitmap);
+  gdi.DeleteDC(source);
+  return target.Image();
+}
+
+TEST_F(ThumbnailConformance, DrawsExactlyWhatAStretchFromABitmapOfThePictureDraws) {
+  // Busy pictures, so that every source pixel a thumbnail's pixel averages counts: large ones
+  // cropped, small ones floating, one of the size that fills the box, and odd sizes.
+  const auto busy = [](int x, int y) {
+    const auto v = static_cast<std::uint32_t>(x * 2654435761u ^ y * 40503u ^ (x * y));
+    return (v ^ (v >> 13)) & 0xFFFFFFu;
+  };
+  const std::pair<std::int32_t, std::int32_t> sizes[] = {
+      {1920, 1080}, {1023, 577}, {404, 404}, {300, 200}, {97, 301}, {33, 17}};
+  for (const auto& [width, height] : sizes) {
+    const ui::Pixels drawn = Draw(width, height, busy);
+    const ui::Pixels expected = ThroughABitmapOfItsOwn(source_.Picture());
+    ASSERT_EQ(drawn.width, 64);
+    ASSERT_EQ(expected.width, 64) << "the reference could not be drawn";
+    int differing = 0;
+    for (int y = 0; y < 64; ++y) {
+      for (int x = 0; x < 64; ++x) {
+        if (At(drawn, x, y) != At(expected, x, y)) ++differing;
+      }
+    }
+    EXPECT_EQ(differing, 0) << width << " by " << height << ": " << differing
+                            << " pixels differ from the stretch through a bitmap";
   }
 }
 

@@ -188,7 +188,11 @@ class SlideShowSession {
                            now[static_cast<std::size_t>(position) - 1].selected;
                   }),
                   "a click on \"" + collection_ + "\" did not select it");
-    verdict.Check(!FolderExists(folder_), "the collection's folder is there before the show");
+    // The click fills the strip, which unpacks the collection into its folder and removes the
+    // folder once the thumbnails are made; the tree is disabled while it fills.
+    verdict.Check(WaitUntil(kStepTimeout,
+                            [&] { return ::IsWindowEnabled(tree) != 0 && !FolderExists(folder_); }),
+                  "the collection's folder is there before the show (the strip's fill over)");
     ClickAt(Centre(ScreenRect(command)));
     verdict.Check(WaitUntil(kStepTimeout, [&] {
                     show_ = FindShownWindow(child_.id, kShowClass);

@@ -51,6 +51,49 @@ bool ReadStripManifest(const std::string& path, std::string& collection,
   return !collection.empty() && !pictures.empty();
 }
 
+// A thumbnail's caption as the strip must show it, measured here with the captions' face (Verdana
+// of 8 points): the file name whole when it is no wider than the thumbnail's width less one
+// pixel; otherwise cut, letter by letter from its end, to that width less the width of "...",
+// and "..." added. Widths in twips, 15 to the pixel, as the program measures them.
+class CaptionRule {
+ public:
+  CaptionRule()
+      : dc_(::CreateCompatibleDC(nullptr)),
+        font_(::CreateFontA(-::MulDiv(8, 96, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
+                            DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                            DEFAULT_QUALITY, DEFAULT_PITCH | FF_SWISS, "Verdana")),
+        previous_(dc_ != nullptr && font_ != nullptr ? ::SelectObject(dc_, font_) : nullptr) {}
+  ~CaptionRule() {
+    if (previous_ != nullptr) ::SelectObject(dc_, previous_);
+    if (font_ != nullptr) ::DeleteObject(font_);
+    if (dc_ != nullptr) ::DeleteDC(dc_);
+  }
+  CaptionRule(const CaptionRule&) = delete;
+  CaptionRule& operator=(const CaptionRule&) = delete;
+
+  bool Ready() const { return previous_ != nullptr; }
+
+  std::string CaptionOf(const std::string& name) const {
+    int limit = kThumbWidth * 15 - 15;
+    std::string caption = name;
+    const bool cut = Width(caption) > limit;
+    if (cut) limit -= Width("...");
+    while (!caption.empty() && Width(caption) > limit) caption.pop_back();
+    return cut ? caption + "..." : caption;
+  }
+
+ private:
+  int Width(const std::string& text) const {
+    SIZE extent{};
+    ::GetTextExtentPoint32A(dc_, text.data(), static_cast<int>(text.size()), &extent);
+    return static_cast<int>(extent.cx) * 15;
+  }
+
+  HDC dc_;
+  HFONT font_;
+  HGDIOBJ previous_;
+};
+
 std::string Lower(std::string text) {
   for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return text;
@@ -115,12 +158,39 @@ class PageRun {
                     "optThumb(" + std::to_string(i) + ") stands at " + Describe(at) +
                         ", not at " + std::to_string(wantX) + "," + std::to_string(wantY));
     }
+    const int shortened = CheckCaptions(verdict);
     HWND bar = FindControl(main_, "vsbSlide");
     verdict.Check(bar != nullptr && ::IsWindowEnabled(bar) != 0,
                   "vsbSlide is not enabled for a strip of several rows");
     SaveShot(verdict, shots_, "e2e-strip");
-    verdict.Note(std::to_string(count) + " thumbnails in rows of 5");
+    verdict.Note(std::to_string(count) + " thumbnails in rows of 5, their captions in the "
+                 "collection's order, " + std::to_string(shortened) + " of them shortened");
     return verdict;
+  }
+
+  // The captions the thumbnails' windows carry, one by one in the strip's order, against the
+  // manifest's names; the number of shortened ones, of which there must be at least one.
+  int CheckCaptions(Verdict& verdict) const {
+    const CaptionRule rule;
+    if (!verdict.Check(rule.Ready(), "the captions' face could not be made here")) return 0;
+    int shortened = 0;
+    for (std::size_t i = 0; i < pictures_.size(); ++i) {
+      HWND thumb = Thumb(i);
+      if (thumb == nullptr) continue;
+      const std::string shown = TextOf(thumb);
+      const std::string expected = rule.CaptionOf(pictures_[i].file);
+      verdict.Check(shown == expected, "optThumb(" + std::to_string(i) + ") carries \"" + shown +
+                                           "\", not \"" + expected + "\" (" +
+                                           pictures_[i].file + ")");
+      if (shown == expected && expected != pictures_[i].file) {
+        verdict.Check(expected.size() > 3 && expected.substr(expected.size() - 3) == "...",
+                      "the shortened caption of " + pictures_[i].file + " ends in no \"...\"");
+        ++shortened;
+      }
+    }
+    verdict.Check(shortened > 0, "no caption of the strip was shortened: the collection needs a "
+                                 "name wider than a thumbnail");
+    return shortened;
   }
 
   Verdict ScrollToEnd() {

@@ -1,7 +1,8 @@
 #pragma once
 // The wallpaper page driven as a person drives it: the page opened on a collection of real
 // pictures of mixed kinds and sizes, the strip waited for and checked (how many thumbnails, where
-// each stands), scrolled to its last row, one thumbnail set as wallpaper now, and one opened with
+// each stands, and the caption each thumbnail's window carries, in the collection's order, a long
+// name shortened with "..."), scrolled to its last row, one thumbnail set as wallpaper now, and one opened with
 // a double click in the viewer the test registered for its kind.
 #include <string>
 

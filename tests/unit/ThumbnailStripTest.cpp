@@ -364,7 +364,7 @@ TEST_F(DrawThumbnailTest, ABigPictureIsCroppedEvenlyAndHalftoneAveraged) {
   EXPECT_EQ(At(image, 31, 32), 0xFF0000u);
   EXPECT_EQ(At(image, 32, 32), 0x0000FFu);
   const auto& journal = services_.gdi.JournalNames();
-  EXPECT_NE(std::find(journal.begin(), journal.end(), "StretchBlt"), journal.end());
+  EXPECT_NE(std::find(journal.begin(), journal.end(), "StretchDIBits"), journal.end());
   EXPECT_EQ(services_.gdi.LiveBrushes(), 0u) << "the brush is deleted";
 }
 
@@ -374,17 +374,34 @@ TEST_F(DrawThumbnailTest, TheBrushAndModeStepsComeInTheirOrder) {
   std::vector<std::string> steps;
   for (const std::string& name : services_.gdi.JournalNames()) {
     if (name == "SetStretchBltMode" || name == "CreateSolidBrush" || name == "UnrealizeObject" ||
-        name == "SetBrushOrgEx" || name == "StretchBlt" || name == "DeleteObject") {
+        name == "SetBrushOrgEx" || name == "StretchDIBits" || name == "DeleteObject") {
       steps.push_back(name);
     }
   }
   const std::vector<std::string> expected{
       "SetStretchBltMode", "CreateSolidBrush", "UnrealizeObject", "SetBrushOrgEx",
-      "StretchBlt",        "SetStretchBltMode", "UnrealizeObject", "SetBrushOrgEx",
+      "StretchDIBits",     "SetStretchBltMode", "UnrealizeObject", "SetBrushOrgEx",
       "DeleteObject"};
-  // The source's own context goes after the drawing: its bitmap is deleted then.
-  ASSERT_GE(steps.size(), expected.size());
-  EXPECT_EQ(std::vector<std::string>(steps.begin(), steps.begin() + expected.size()), expected);
+  EXPECT_EQ(steps, expected);
+}
+
+TEST_F(DrawThumbnailTest, ThePictureIsStretchedFromItsOwnPixelsWithNoCopyOfIt) {
+  services_.gdi.ClearJournal();
+  Draw(1024, 768, 0x406080);
+  // The one bitmap made is the thumbnail's own surface, 64 pixels wide.
+  std::size_t bitmaps = 0;
+  for (const std::string& call : services_.gdi.Journal()) {
+    if (call.rfind("CreateDIBSection(", 0) != 0) continue;
+    ++bitmaps;
+    EXPECT_EQ(call.find(",1024,"), std::string::npos) << call << ": a bitmap of the picture";
+  }
+  EXPECT_EQ(bitmaps, 1u);
+  std::size_t stretches = 0;
+  for (const std::string& name : services_.gdi.JournalNames()) {
+    if (name == "StretchDIBits") ++stretches;
+    EXPECT_NE(name, "StretchBlt");
+  }
+  EXPECT_EQ(stretches, 1u);
 }
 
 // --- set now and the viewer ---------------------------------------------------------------------

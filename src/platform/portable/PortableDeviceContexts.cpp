@@ -513,6 +513,66 @@ std::int32_t PortableDeviceContexts::UnrealizeObject(GdiHandle object) {
   return result;
 }
 
+void PortableDeviceContexts::Stretch(Surface& target, std::int32_t mode, std::int32_t x,
+                                     std::int32_t y, std::int32_t width, std::int32_t height,
+                                     const Surface& source, std::int32_t sourceX,
+                                     std::int32_t sourceY, std::int32_t sourceWidth,
+                                     std::int32_t sourceHeight, std::uint32_t rop) {
+  const Surface* origin = &source;
+  const bool halftone = mode == gdi::kHalftone;
+  const std::uint32_t index = (rop >> 16) & 0xFFu;
+  const std::uint32_t keep = target.bitsPixel == 24 ? kWhite : 0xFFFFFFFFu;
+  const double scaleX = static_cast<double>(sourceWidth) / width;
+  const double scaleY = static_cast<double>(sourceHeight) / height;
+  const std::int32_t firstColumn = std::max(0, -x);
+  const std::int32_t lastColumn = std::min(width, target.width - x);
+  const std::int32_t firstRow = std::max(0, -y);
+  const std::int32_t lastRow = std::min(height, target.height - y);
+  // The source span of one destination pixel along one axis, within the source bitmap.
+  auto span = [](double start, double extent, std::int32_t limit, bool average,
+                 std::int32_t& low, std::int32_t& high) {
+    if (average && extent > 1.0) {
+      low = static_cast<std::int32_t>(start);
+      high = static_cast<std::int32_t>(start + extent - 1e-9);
+    } else {
+      low = high = static_cast<std::int32_t>(start + extent / 2);
+    }
+    low = std::max(low, 0);
+    high = std::min(high, limit - 1);
+  };
+  for (std::int32_t row = firstRow; row < lastRow; ++row) {
+    std::int32_t top = 0, bottom = 0;
+    span(sourceY + row * scaleY, scaleY, origin->height, halftone, top, bottom);
+    if (top > bottom) continue;
+    std::uint8_t* line = target.Row(y + row);
+    for (std::int32_t column = firstColumn; column < lastColumn; ++column) {
+      std::int32_t left = 0, right = 0;
+      span(sourceX + column * scaleX, scaleX, origin->width, halftone, left, right);
+      if (left > right) continue;
+      std::uint64_t sum[3] = {0, 0, 0};
+      std::uint64_t count = 0;
+      for (std::int32_t sy = top; sy <= bottom; ++sy) {
+        const std::uint8_t* sourceLine = origin->Row(sy);
+        for (std::int32_t sx = left; sx <= right; ++sx) {
+          const std::uint32_t pixel = ReadPixel(sourceLine, sx, origin->bitsPixel);
+          for (int channel = 0; channel < 3; ++channel) {
+            sum[channel] += (pixel >> (8 * channel)) & 0xFFu;
+          }
+          ++count;
+        }
+      }
+      std::uint32_t colour = 0;
+      for (int channel = 0; channel < 3; ++channel) {
+        colour |= static_cast<std::uint32_t>((sum[channel] + count / 2) / count)
+                  << (8 * channel);
+      }
+      const std::uint32_t present = ReadPixel(line, x + column, target.bitsPixel);
+      WritePixel(line, x + column, target.bitsPixel,
+                 ApplyRop(index, 0xFFFFFFFFu, colour, present) & keep);
+    }
+  }
+}
+
 std::int32_t PortableDeviceContexts::StretchBlt(GdiHandle destination, std::int32_t x,
                                                 std::int32_t y, std::int32_t width,
                                                 std::int32_t height, GdiHandle source,
@@ -529,62 +589,51 @@ std::int32_t PortableDeviceContexts::StretchBlt(GdiHandle destination, std::int3
     if (target != nullptr && origin != nullptr && target->bitsPixel != 1 &&
         origin->bitsPixel != 1) {
       result = 1;
-      const bool halftone = to->second.stretchMode == gdi::kHalftone;
-      const std::uint32_t index = (rop >> 16) & 0xFFu;
-      const std::uint32_t keep = target->bitsPixel == 24 ? kWhite : 0xFFFFFFFFu;
-      const double scaleX = static_cast<double>(sourceWidth) / width;
-      const double scaleY = static_cast<double>(sourceHeight) / height;
-      const std::int32_t firstColumn = std::max(0, -x);
-      const std::int32_t lastColumn = std::min(width, target->width - x);
-      const std::int32_t firstRow = std::max(0, -y);
-      const std::int32_t lastRow = std::min(height, target->height - y);
-      // The source span of one destination pixel along one axis, within the source bitmap.
-      auto span = [](double start, double extent, std::int32_t limit, bool average,
-                     std::int32_t& low, std::int32_t& high) {
-        if (average && extent > 1.0) {
-          low = static_cast<std::int32_t>(start);
-          high = static_cast<std::int32_t>(start + extent - 1e-9);
-        } else {
-          low = high = static_cast<std::int32_t>(start + extent / 2);
-        }
-        low = std::max(low, 0);
-        high = std::min(high, limit - 1);
-      };
-      for (std::int32_t row = firstRow; row < lastRow; ++row) {
-        std::int32_t top = 0, bottom = 0;
-        span(sourceY + row * scaleY, scaleY, origin->height, halftone, top, bottom);
-        if (top > bottom) continue;
-        std::uint8_t* line = target->Row(y + row);
-        for (std::int32_t column = firstColumn; column < lastColumn; ++column) {
-          std::int32_t left = 0, right = 0;
-          span(sourceX + column * scaleX, scaleX, origin->width, halftone, left, right);
-          if (left > right) continue;
-          std::uint64_t sum[3] = {0, 0, 0};
-          std::uint64_t count = 0;
-          for (std::int32_t sy = top; sy <= bottom; ++sy) {
-            const std::uint8_t* sourceLine = origin->Row(sy);
-            for (std::int32_t sx = left; sx <= right; ++sx) {
-              const std::uint32_t pixel = ReadPixel(sourceLine, sx, origin->bitsPixel);
-              for (int channel = 0; channel < 3; ++channel) {
-                sum[channel] += (pixel >> (8 * channel)) & 0xFFu;
-              }
-              ++count;
-            }
-          }
-          std::uint32_t colour = 0;
-          for (int channel = 0; channel < 3; ++channel) {
-            colour |= static_cast<std::uint32_t>((sum[channel] + count / 2) / count)
-                      << (8 * channel);
-          }
-          const std::uint32_t present = ReadPixel(line, x + column, target->bitsPixel);
-          WritePixel(line, x + column, target->bitsPixel,
-                     ApplyRop(index, 0xFFFFFFFFu, colour, present) & keep);
-        }
-      }
+      Stretch(*target, to->second.stretchMode, x, y, width, height, *origin, sourceX, sourceY,
+              sourceWidth, sourceHeight, rop);
     }
   }
   Record(CallText("StretchBlt", {destination, x, y, width, height, source, sourceX, sourceY,
                                  sourceWidth, sourceHeight, rop},
+                  result));
+  return result;
+}
+
+std::int32_t PortableDeviceContexts::StretchDIBits(
+    GdiHandle dc, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
+    std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
+    std::int32_t sourceHeight, const void* bits, const BitmapInfoHeader& header,
+    std::uint32_t usage, std::uint32_t rop) {
+  std::int32_t result = 0;
+  const auto to = contexts_.find(dc);
+  const bool acceptable =
+      bits != nullptr && header.biSize >= 40 && header.biWidth > 0 && header.biHeight != 0 &&
+      header.biHeight != INT32_MIN && header.biPlanes == 1 &&
+      (header.biBitCount == 24 || header.biBitCount == 32) &&
+      header.biCompression == gdi::kBiRgb && usage == gdi::kDibRgbColors;
+  if (!Failing("StretchDIBits") && to != contexts_.end() && acceptable && width > 0 &&
+      height > 0 && sourceWidth > 0 && sourceHeight > 0) {
+    Surface* target = TargetOf(to->second);
+    if (target != nullptr && target->bitsPixel != 1) {
+      // The caller's pixels, seen as a bitmap of their own for the one stretch.
+      Surface origin;
+      origin.width = header.biWidth;
+      origin.height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
+      origin.bitsPixel = header.biBitCount;
+      origin.stride = StrideOf(origin.width, origin.bitsPixel, true);
+      origin.deviceIndependent = true;
+      origin.bottomUp = header.biHeight > 0;
+      const auto size = static_cast<std::size_t>(origin.stride * origin.height);
+      origin.pixels.reset(new std::uint8_t[size]);
+      std::memcpy(origin.pixels.get(), bits, size);
+      Stretch(*target, to->second.stretchMode, x, y, width, height, origin, sourceX, sourceY,
+              sourceWidth, sourceHeight, rop);
+      result = origin.height;
+    }
+  }
+  Record(CallText("StretchDIBits", {dc, x, y, width, height, sourceX, sourceY, sourceWidth,
+                                    sourceHeight, header.biWidth, header.biHeight,
+                                    header.biBitCount, usage, rop},
                   result));
   return result;
 }

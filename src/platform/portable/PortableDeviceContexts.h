@@ -59,6 +59,11 @@ class PortableDeviceContexts final : public DeviceContexts {
                           std::int32_t width, std::int32_t height, GdiHandle source,
                           std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
                           std::int32_t sourceHeight, std::uint32_t rop) override;
+  std::int32_t StretchDIBits(GdiHandle dc, std::int32_t x, std::int32_t y, std::int32_t width,
+                             std::int32_t height, std::int32_t sourceX, std::int32_t sourceY,
+                             std::int32_t sourceWidth, std::int32_t sourceHeight,
+                             const void* bits, const BitmapInfoHeader& header,
+                             std::uint32_t usage, std::uint32_t rop) override;
   // Brushes not yet deleted (the stock one not counted).
   std::size_t LiveBrushes() const { return brushes_.size(); }
   // The stretch mode and brush origin a context holds.
@@ -124,6 +129,11 @@ class PortableDeviceContexts final : public DeviceContexts {
   Surface* TargetOf(const Context& context);
   // Takes a bitmap out of the context it was selected into; a deleted one goes then.
   void Deselect(GdiHandle bitmap);
+  // The stretch of StretchBlt and StretchDIBits, from one surface into another.
+  static void Stretch(Surface& target, std::int32_t mode, std::int32_t x, std::int32_t y,
+                      std::int32_t width, std::int32_t height, const Surface& source,
+                      std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
+                      std::int32_t sourceHeight, std::uint32_t rop);
   std::int32_t Blit(GdiHandle destination, std::int32_t x, std::int32_t y, std::int32_t width,
                     std::int32_t height, GdiHandle source, std::int32_t sourceX,
                     std::int32_t sourceY, std::uint32_t rop);

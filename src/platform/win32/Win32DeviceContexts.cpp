@@ -114,4 +114,25 @@ std::int32_t Win32DeviceContexts::StretchBlt(GdiHandle destination, std::int32_t
                       sourceX, sourceY, sourceWidth, sourceHeight, rop);
 }
 
+std::int32_t Win32DeviceContexts::StretchDIBits(
+    GdiHandle dc, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
+    std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
+    std::int32_t sourceHeight, const void* bits, const BitmapInfoHeader& header,
+    std::uint32_t usage, std::uint32_t rop) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = header.biWidth;
+  info.bmiHeader.biHeight = header.biHeight;
+  info.bmiHeader.biPlanes = header.biPlanes;
+  info.bmiHeader.biBitCount = header.biBitCount;
+  info.bmiHeader.biCompression = header.biCompression;
+  info.bmiHeader.biSizeImage = static_cast<DWORD>(header.biSizeImage);
+  info.bmiHeader.biXPelsPerMeter = header.biXPelsPerMeter;
+  info.bmiHeader.biYPelsPerMeter = header.biYPelsPerMeter;
+  info.bmiHeader.biClrUsed = header.biClrUsed;
+  info.bmiHeader.biClrImportant = header.biClrImportant;
+  return ::StretchDIBits(ToNative<HDC>(dc), x, y, width, height, sourceX, sourceY, sourceWidth,
+                         sourceHeight, bits, &info, usage, rop);
+}
+
 }  // namespace quorvane::platform::win32

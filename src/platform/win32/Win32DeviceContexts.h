@@ -32,6 +32,11 @@ class Win32DeviceContexts final : public DeviceContexts {
                           std::int32_t width, std::int32_t height, GdiHandle source,
                           std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
                           std::int32_t sourceHeight, std::uint32_t rop) override;
+  std::int32_t StretchDIBits(GdiHandle dc, std::int32_t x, std::int32_t y, std::int32_t width,
+                             std::int32_t height, std::int32_t sourceX, std::int32_t sourceY,
+                             std::int32_t sourceWidth, std::int32_t sourceHeight,
+                             const void* bits, const BitmapInfoHeader& header,
+                             std::uint32_t usage, std::uint32_t rop) override;
 };
 
 }  // namespace quorvane::platform::win32

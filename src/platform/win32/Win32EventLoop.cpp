@@ -1,8 +1,14 @@
 #include "platform/win32/Win32EventLoop.h"
 
-#include <windows.h>
-
 namespace quorvane::platform::win32 {
+
+namespace {
+
+MessagePreview gPreview = nullptr;
+
+}  // namespace
+
+void SetMessagePreview(MessagePreview preview) { gPreview = preview; }
 
 void Win32EventLoop::DoEvents() {
   MSG msg;
@@ -11,6 +17,7 @@ void Win32EventLoop::DoEvents() {
       ::PostQuitMessage(static_cast<int>(msg.wParam));  // leave it for the main loop
       return;
     }
+    if (gPreview != nullptr && gPreview(msg)) continue;
     ::TranslateMessage(&msg);
     ::DispatchMessageA(&msg);
   }

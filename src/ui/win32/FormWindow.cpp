@@ -10,6 +10,7 @@
 
 #include "platform/win32/Handles.h"
 #include "platform/win32/Win32Application.h"
+#include "platform/win32/Win32EventLoop.h"
 #include "platform/MemorySurface.h"
 #include "ui/win32/PixelDrawing.h"
 
@@ -143,7 +144,10 @@ Kind KindOf(Control& control) {
 }
 
 FormWindow::FormWindow(Form& form, HINSTANCE instance, FormWindowOptions options)
-    : form_(form), instance_(instance), options_(options) {}
+    : form_(form), instance_(instance), options_(options) {
+  LiveBindings().push_back(this);
+  platform::win32::SetMessagePreview(&FormWindow::PreviewYieldedKey);
+}
 
 FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
@@ -157,6 +161,8 @@ FormWindow::~FormWindow() {
     record->control->Observe(nullptr);
     record->control->hWnd = 0;
   }
+  auto& live = LiveBindings();
+  live.erase(std::remove(live.begin(), live.end(), this), live.end());
 }
 
 std::string FormWindow::ClassNameFor(const Form& form) {
@@ -313,6 +319,22 @@ bool FormWindow::PreviewKey(const MSG& message) {
   return key == 0 || !form_.Loaded() || Handle() == nullptr;
 }
 
+std::vector<FormWindow*>& FormWindow::LiveBindings() {
+  static std::vector<FormWindow*> live;
+  return live;
+}
+
+bool FormWindow::PreviewYieldedKey(const MSG& message) {
+  if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
+  for (FormWindow* binding : LiveBindings()) {
+    const HWND top = binding->Handle();
+    if (top == nullptr || !binding->form_.KeyPreview) continue;
+    if (message.hwnd != top && ::IsChild(top, message.hwnd) == 0) continue;
+    return binding->PreviewKey(message);
+  }
+  return false;
+}
+
 std::uint32_t FormWindow::FormFace() const {
   // The system's colours are named as 0x80000000 and the colour's number.
   if ((form_.BackColor & 0x80000000u) != 0) {
@@ -378,7 +400,8 @@ void FormWindow::MakeWindow(BoundControl& record) {
       Place(bound);
       break;
     case Kind::PictureOption:
-      MakeChild(bound, {.className = kPictureClass, .ownClass = true});
+      // Its text is its caption, as a button's is, though the caption is drawn.
+      MakeChild(bound, {.className = kPictureClass, .showsCaption = true, .ownClass = true});
       break;
     case Kind::Scroll:
     case Kind::Progress:

@@ -56,13 +56,14 @@
 //                  "QuorvanePicture": its picture above its centred caption on its back colour,
 //                  raised, or pressed in while it is checked; a press checks it, a double click
 //                  runs DblClick; elements loaded at run time get their windows then, and lose
-//                  them when they are unloaded
+//                  them when they are unloaded; the window's text is the caption
 //
 // A control asked to stand in front (ZOrder) goes to the top of its container's windows; one
 // asked for the focus (SetFocus) takes the keyboard focus.
 //
 // Found from outside: every child's window text is its system name ("TvDesktop", "CmdMenu(2)"),
-// except where the window shows its text (the buttons show their captions); the system name is
+// except where the window shows its text or stands for it (the buttons show their captions, a
+// graphical option button draws its caption and carries it as its text); the system name is
 // also given as its accessible name where the platform takes such annotations. The top-level
 // window answers the registered message "Quorvane.FindControl" (wParam: a global atom of the
 // system name) with the control's window, 0 if there is none.
@@ -264,6 +265,11 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // A key of a modal form's loop shown to the form first, when it previews keys; true when the
   // form took the key, or is gone.
   bool PreviewKey(const MSG& message);
+  // The same for a key that a yield takes while a routine runs (the message preview the event
+  // loop asks): the form whose window the key is for sees it first when it previews keys.
+  static bool PreviewYieldedKey(const MSG& message);
+  // The bindings that have a form's windows now, for the preview of keys taken by a yield.
+  static std::vector<FormWindow*>& LiveBindings();
   // The colour of the form's own surface.
   std::uint32_t FormFace() const;
   // Only a window on the screen; one that comes is painted whole.
