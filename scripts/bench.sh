@@ -18,6 +18,8 @@
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
+# Every benchmark runs Wine in the project's own prefix, never in the user's default one.
+source scripts/wine-env.sh
 what="${1:-all}"
 runs="${RUNS:-10}"
 
@@ -194,7 +196,12 @@ bench_wallpaper() {
   rm -rf "$dir/src"
   echo "== one automatic change of a 3840x2160 JPEG ($(basename "$source") enlarged) from a"
   echo "   collection of 50, under Wine in a virtual desktop on Xvfb; $runs runs"
-  run_in_desktop wallpaper win_wallpaper.exe $(( runs * 100 + 600 )) "$(winepath -w "$dir/Data")"
+  # The prefix is made (with its fonts) before a path is translated in it.
+  wine_prepare
+  local data_w
+  data_w="$(winepath -w "$dir/Data")"
+  run_in_desktop wallpaper win_wallpaper.exe $(( runs * 100 + 600 )) "$data_w"
+  wine_finish
   echo "== the same picture set by xwallpaper --zoom and feh --bg-fill on Xvfb; $runs runs"
   source scripts/display.sh
   display_start || exit 1
