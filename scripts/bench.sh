@@ -23,6 +23,8 @@
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
+# Every benchmark runs Wine in the project's own prefix, never in the user's default one.
+source scripts/wine-env.sh
 what="${1:-all}"
 runs="${RUNS:-10}"
 
@@ -99,9 +101,10 @@ run_in_desktop() {
 bench_startup() {
   cmake --preset windows >/dev/null
   cmake --build --preset windows -j "$(nproc)" \
-    --target quorvane_startup win_minimal_window win_startup >/dev/null
+    --target quorvane_startup win_minimal_window win_common_window win_startup >/dev/null
   echo "== start-up: process start to the main window shown (rows read, trees filled), against"
-  echo "   a program that only opens one window; $runs runs each, Wine desktop on Xvfb"
+  echo "   a program that only opens one window, and one that also loads common controls 6 with"
+  echo "   a tree, shell32, ole32 and oleaut32; $runs runs each, Wine desktop on Xvfb"
   # The timing program starts both inside the virtual desktop and writes its figures to a file.
   run_in_desktop startup win_startup.exe $(( runs * 60 + 600 ))
 }
@@ -199,7 +202,12 @@ bench_wallpaper() {
   rm -rf "$dir/src"
   echo "== one automatic change of a 3840x2160 JPEG ($(basename "$source") enlarged) from a"
   echo "   collection of 50, under Wine in a virtual desktop on Xvfb; $runs runs"
-  run_in_desktop wallpaper win_wallpaper.exe $(( runs * 100 + 600 )) "$(winepath -w "$dir/Data")"
+  # The prefix is made (with its fonts) before a path is translated in it.
+  wine_prepare
+  local data_w
+  data_w="$(winepath -w "$dir/Data")"
+  run_in_desktop wallpaper win_wallpaper.exe $(( runs * 100 + 600 )) "$data_w"
+  wine_finish
   echo "== the same picture set by xwallpaper --zoom and feh --bg-fill on Xvfb; $runs runs"
   source scripts/display.sh
   display_start || exit 1

@@ -6,6 +6,7 @@
 #include "base/Failure.h"
 #include "base/Random.h"
 #include "base/ByteView.h"
+#include "drawing/BilinearRows.h"
 #include "core/Regimes.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -26,7 +27,7 @@ std::int32_t Checked32(std::int64_t value) {
 // A value of 0 up to 255.5 rounded to a whole number by the processor's rule (a half goes to
 // the even neighbour, as text::RoundHalfEven), as a byte: adding 2^23 leaves no bits below the
 // units, so the sum is rounded there, and taking 2^23 away again is exact. Blends of bytes and
-// noise of 0 to 255 always lie in that range. Inline, as Resample rounds nine times a pixel.
+// noise of 0 to 255 always lie in that range.
 inline std::uint8_t RoundToByte(float value) {
   constexpr float kUnitsOnly = 8388608.0f;
   const float rounded = (value + kUnitsOnly) - kUnitsOnly;
@@ -221,40 +222,24 @@ std::unique_ptr<cDIBSection> cDIBSection::Resample(std::int32_t lNewHeight,
 
 Boolean cDIBSection::ResampleInto(cDIBSection& target) {
   const ByteView source(bitsPtr_, BytesPerScanLine(), biHeight_);
-  const ByteView destination(target.bitsPtr_, target.BytesPerScanLine(),
-                                      target.biHeight_);
+  const ByteView destination(target.bitsPtr_, target.BytesPerScanLine(), target.biHeight_);
 
-  // Worked out in double precision and kept in single. With the one pixel taken off, the last
-  // source pixel is never quite reached, so the right and lower neighbours stay inside.
-  const auto xScale = static_cast<float>((static_cast<double>(biWidth_) - 1.0) /
-                                         static_cast<double>(target.biWidth_));
-  const auto yScale = static_cast<float>((static_cast<double>(biHeight_) - 1.0) /
-                                         static_cast<double>(target.biHeight_));
+  // The columns' sources and weights once for the whole picture; then a row at a time, across
+  // first in each of two source rows, then down between them.
+  const drawing::BilinearColumns columns = drawing::ColumnsFor(biWidth_, target.biWidth_);
+  const float yStep = drawing::StepFor(biHeight_, target.biHeight_);
+  if (target.biHeight_ <= 0 || columns.left.empty()) return kFalse;
+
+  // The last row and column read and write furthest: once they are inside both bitmaps, every
+  // other is. A source of one pixel across or down is not, and fails here.
+  const drawing::BilinearRow last = drawing::RowFor(yStep, target.biHeight_ - 1);
+  source.Span(last.upper + 1, columns.left.back(), 6);
+  destination.Span(target.biHeight_ - 1, (std::int64_t{target.biWidth_} - 1) * 3, 3);
 
   for (std::int64_t y = 0; y < target.biHeight_; ++y) {
-    const double fy = static_cast<double>(yScale) * static_cast<double>(y);
-    const auto iy = static_cast<std::int64_t>(std::floor(fy));
-    const auto wy = static_cast<float>(fy - static_cast<double>(iy));
-
-    for (std::int64_t x = 0; x < target.biWidth_; ++x) {
-      const double fx = static_cast<double>(xScale) * static_cast<double>(x);
-      const auto ix = static_cast<std::int64_t>(std::floor(fx));
-      const auto wx = static_cast<float>(fx - static_cast<double>(ix));
-      const std::int64_t left = ix * 3;
-
-      // The pixels ix and ix + 1 of the rows iy and iy + 1.
-      const std::uint8_t* upper = source.Span(iy, left, 6);
-      const std::uint8_t* lower = source.Span(iy + 1, left, 6);
-      std::uint8_t* out = destination.Span(y, x * 3, 3);
-      for (std::size_t channel = 0; channel < 3; ++channel) {
-        // Across first, in each of the two rows, then down between the two results.
-        const float top = RoundToByte((1.0f - wx) * static_cast<float>(upper[channel]) +
-                                      wx * static_cast<float>(upper[channel + 3]));
-        const float bottom = RoundToByte((1.0f - wx) * static_cast<float>(lower[channel]) +
-                                         wx * static_cast<float>(lower[channel + 3]));
-        out[channel] = RoundToByte((1.0f - wy) * top + wy * bottom);
-      }
-    }
+    const drawing::BilinearRow row = drawing::RowFor(yStep, y);
+    drawing::BlendRow(source.Span(row.upper, 0, 0), source.Span(row.upper + 1, 0, 0), row, columns,
+                      destination.Span(y, 0, 0));
   }
   return kFalse;
 }

@@ -22,44 +22,48 @@ RegStatus Status(LONG status) { return static_cast<RegStatus>(status); }
 
 }  // namespace
 
-RegStatus Win32Registry::RegOpenKeyExA(RegHandle key, const std::string& subKey,
-                                       std::uint32_t options, std::uint32_t samDesired,
-                                       RegHandle& result) {
+Win32Registry::Win32Registry() : KeyReusingRegistry(calls, [] { return ::GetTickCount64(); }) {}
+
+RegStatus Win32RegistryCalls::RegOpenKeyExA(RegHandle key, const std::string& subKey,
+                                            std::uint32_t options, std::uint32_t samDesired,
+                                            RegHandle& result) {
   HKEY opened = nullptr;
   const LONG s = ::RegOpenKeyExA(ToHkey(key), subKey.c_str(), options, samDesired, &opened);
   if (s == ERROR_SUCCESS) result = FromHkey(opened);
   return Status(s);
 }
 
-RegStatus Win32Registry::RegOpenKeyA(RegHandle key, const std::string& subKey,
-                                     RegHandle& result) {
+RegStatus Win32RegistryCalls::RegOpenKeyA(RegHandle key, const std::string& subKey,
+                                          RegHandle& result) {
   HKEY opened = nullptr;
   const LONG s = ::RegOpenKeyA(ToHkey(key), subKey.c_str(), &opened);
   if (s == ERROR_SUCCESS) result = FromHkey(opened);
   return Status(s);
 }
 
-RegStatus Win32Registry::RegCreateKeyA(RegHandle key, const std::string& subKey,
-                                       RegHandle& result) {
+RegStatus Win32RegistryCalls::RegCreateKeyA(RegHandle key, const std::string& subKey,
+                                            RegHandle& result) {
   HKEY created = nullptr;
   const LONG s = ::RegCreateKeyA(ToHkey(key), subKey.c_str(), &created);
   if (s == ERROR_SUCCESS) result = FromHkey(created);
   return Status(s);
 }
 
-RegStatus Win32Registry::RegCloseKey(RegHandle key) { return Status(::RegCloseKey(ToHkey(key))); }
+RegStatus Win32RegistryCalls::RegCloseKey(RegHandle key) {
+  return Status(::RegCloseKey(ToHkey(key)));
+}
 
-RegStatus Win32Registry::RegDeleteKeyA(RegHandle key, const std::string& subKey) {
+RegStatus Win32RegistryCalls::RegDeleteKeyA(RegHandle key, const std::string& subKey) {
   return Status(::RegDeleteKeyA(ToHkey(key), subKey.c_str()));
 }
 
-RegStatus Win32Registry::RegDeleteValueA(RegHandle key, const std::string& valueName) {
+RegStatus Win32RegistryCalls::RegDeleteValueA(RegHandle key, const std::string& valueName) {
   return Status(::RegDeleteValueA(ToHkey(key), valueName.c_str()));
 }
 
-RegStatus Win32Registry::RegSetValueExA(RegHandle key, const std::string& valueName,
-                                        std::uint32_t reserved, std::uint32_t kind,
-                                        const std::uint8_t* data, std::uint32_t size) {
+RegStatus Win32RegistryCalls::RegSetValueExA(RegHandle key, const std::string& valueName,
+                                             std::uint32_t reserved, std::uint32_t kind,
+                                             const std::uint8_t* data, std::uint32_t size) {
   // A text value is stored with its terminator even when the size leaves it out: the system
   // passes the length of its text and reads the terminator back as part of the value.
   if ((kind == REG_SZ || kind == REG_EXPAND_SZ) && data != nullptr &&
@@ -72,9 +76,9 @@ RegStatus Win32Registry::RegSetValueExA(RegHandle key, const std::string& valueN
   return Status(::RegSetValueExA(ToHkey(key), valueName.c_str(), reserved, kind, data, size));
 }
 
-RegStatus Win32Registry::RegQueryValueExA(RegHandle key, const std::string& valueName,
-                                          std::uint32_t* reserved, std::uint32_t* kind,
-                                          std::uint8_t* data, std::uint32_t* size) {
+RegStatus Win32RegistryCalls::RegQueryValueExA(RegHandle key, const std::string& valueName,
+                                               std::uint32_t* reserved, std::uint32_t* kind,
+                                               std::uint8_t* data, std::uint32_t* size) {
   DWORD k = kind ? *kind : 0;
   DWORD n = size ? *size : 0;
   const LONG s = ::RegQueryValueExA(ToHkey(key), valueName.c_str(),
@@ -85,8 +89,8 @@ RegStatus Win32Registry::RegQueryValueExA(RegHandle key, const std::string& valu
   return Status(s);
 }
 
-RegStatus Win32Registry::RegEnumKeyExA(RegHandle key, std::uint32_t index, char* name,
-                                       std::uint32_t* nameSize) {
+RegStatus Win32RegistryCalls::RegEnumKeyExA(RegHandle key, std::uint32_t index, char* name,
+                                            std::uint32_t* nameSize) {
   DWORD n = nameSize ? *nameSize : 0;
   const LONG s = ::RegEnumKeyExA(ToHkey(key), index, name, nameSize ? &n : nullptr, nullptr,
                                  nullptr, nullptr, nullptr);
@@ -94,9 +98,9 @@ RegStatus Win32Registry::RegEnumKeyExA(RegHandle key, std::uint32_t index, char*
   return Status(s);
 }
 
-RegStatus Win32Registry::RegEnumValueA(RegHandle key, std::uint32_t index, char* name,
-                                       std::uint32_t* nameSize, std::uint32_t* kind,
-                                       std::uint8_t* data, std::uint32_t* dataSize) {
+RegStatus Win32RegistryCalls::RegEnumValueA(RegHandle key, std::uint32_t index, char* name,
+                                            std::uint32_t* nameSize, std::uint32_t* kind,
+                                            std::uint8_t* data, std::uint32_t* dataSize) {
   DWORD n = nameSize ? *nameSize : 0;
   DWORD k = 0;
   DWORD d = dataSize ? *dataSize : 0;
