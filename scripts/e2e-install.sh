@@ -14,7 +14,7 @@
 #      filled; the "?" icon opens the help in Wine's help viewer; the end through "Quorvane.Exit".
 #   4. A collection packed into the data folder, the automatic start value set as the wallpaper
 #      settings set it.
-#   5. `Uninstall.exe /S`: the program folder, the Start Menu entry, the entry in the list of
+#   5. `Uninstall.exe /S` while the program runs resident: the program ended, the program folder, the Start Menu entry, the entry in the list of
 #      programs, the automatic start value and the icon value the installer added are gone; the
 #      data folder with its collection and the program's settings key are still there.
 #
@@ -201,21 +201,39 @@ reg_has_key "$product_key" || f+="the program made no settings key; "
 kept_sum="$(md5sum "$data_u/Kept.RXS" 2>/dev/null | cut -d' ' -f1)"
 result "a collection in the data folder, the automatic start set" "$f" "$data_w\\Kept.RXS"
 
-echo "== install e2e: Uninstall.exe /S"
-wine "$program_u/Uninstall.exe" /S >>"$log" 2>&1 </dev/null
-# The uninstaller runs on from a copy of itself in the temporary folder: wait for its work.
-for _ in $(seq 1 300); do
-  [ ! -e "$program_u" ] && ! reg_has_key "$uninstall_key" && break
+echo "== install e2e: Uninstall.exe /S, with the program running resident"
+# The program runs resident, as the automatic start starts it, in the virtual desktop; the
+# uninstaller, started there too, must end it before it removes its files.
+wine explorer "/desktop=$desktop,1280x800" "$program_w\\quorvane.exe" /background >>"$log" 2>&1 </dev/null &
+resident_pid=$!
+# The program's own process: its command line begins with its Windows path.
+running='^C:\\Program Files\\Talvenor\\Quorvane\\quorvane\.exe'
+for _ in $(seq 1 100); do
+  [ -n "$(prefix_processes "$running")" ] && break
   sleep 0.1
 done
+sleep 2  # its window made
+was_running="$(prefix_processes "$running")"
+wine explorer "/desktop=$desktop,1280x800" "$program_w\\Uninstall.exe" /S >>"$log" 2>&1 </dev/null &
+# The uninstaller runs on from a copy of itself in the temporary folder: wait for its work.
+for _ in $(seq 1 300); do
+  [ ! -e "$program_u" ] && ! reg_has_key "$uninstall_key" && [ -z "$(prefix_processes "$running")" ] &&
+    break
+  sleep 0.1
+done
+still_running="$(prefix_processes "$running")"
+desktop_stop "$desktop" 10
+wait "$resident_pid" 2>/dev/null
 f=""
+[ -n "$was_running" ] || f+="the installed program did not start resident before the uninstall; "
+[ -z "$still_running" ] || f+="the resident program still runs after the uninstall; "
 [ ! -e "$program_u" ] || f+="$program_w is still there ($(cd "$program_u" && echo *)); "
 [ ! -e "$menu_u" ] || f+="the Start Menu entry is still there; "
 ! reg_has_key "$uninstall_key" || f+="the entry in the list of programs is still there; "
 [ -z "$(reg_value "$run_key" "Talvenor Quorvane")" ] || f+="the automatic start value is still there; "
 [ -z "$(reg_value "$my_computer" "")" ] || f+="the icon value the installer added is still there; "
-result "uninstalled silently: program files and entries gone" "$f" \
-  "program folder, Start Menu entry, list entry, automatic start and the added icon value removed"
+result "uninstalled silently: the running program ended, program files and entries gone" "$f" \
+  "resident program ended; program folder, Start Menu entry, list entry, automatic start and the added icon value removed"
 
 f=""
 [ -d "$data_u" ] || f+="the data folder $data_w is gone; "
