@@ -14,13 +14,17 @@
 #      filled; the "?" icon opens the help in Wine's help viewer; the end through "Quorvane.Exit".
 #   4. A collection packed into the data folder, the automatic start value set as the wallpaper
 #      settings set it.
-#   5. `Uninstall.exe /S` while the program runs resident: the program ended, the program folder, the Start Menu entry, the entry in the list of
-#      programs, the automatic start value and the icon value the installer added are gone; the
-#      data folder with its collection and the program's settings key are still there.
+#   5. `Uninstall.exe /S` while the program runs resident: the program ended; the program folder,
+#      the Start Menu entry, the entry in the list of programs, the automatic start value and the
+#      icon value the installer added are gone; the data folder with its collection and the
+#      program's settings key are still there.
+#   6. Installed again, then the uninstaller run by hand: the box "Also remove my collections and
+#      settings", unticked at first, ticked with the pointer; the data folder and the settings key
+#      go too.
 #
 # Ends with "N passed, M failed"; the exit status is non-zero when a case failed. Screenshots:
-# build/screenshots/e2e-installed.png and e2e-help.png. Needs the Windows build with its installer
-# (cmake --build --preset windows, or make dist).
+# build/screenshots/e2e-installed.png, e2e-help.png and e2e-uninstall-box.png. Needs the Windows
+# build with its installer (cmake --build --preset windows, or make dist).
 set -uo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -151,6 +155,31 @@ added="$(reg_value "$my_computer" "")"
 [ "$added" = '%SystemRoot%\explorer.exe,0' ] || f+="\"My Computer\"'s icon value is \"$added\", not %SystemRoot%\\explorer.exe,0; "
 result "under Wine, the values Windows has are added" "$f" "\"My Computer\": $added"
 
+driver_finished() {
+  [ -f "$1" ] && tr -d '\r' <"$1" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'
+}
+# Counts the driver's cases from its result file.
+read_driver_result() {
+  if driver_finished "$1"; then
+    while IFS= read -r line; do
+      case "$line" in
+        "ok   "*) echo "$line"; passed=$((passed + 1)) ;;
+        "FAIL "*) echo "$line"; failed=$((failed + 1)) ;;
+      esac
+    done < <(tr -d '\r' <"$1")
+  else
+    result "the driver's run" "the driver gave no result in $1 (see $log)" ""
+  fi
+}
+convert_shots() {  # NAME...: build/screenshots/NAME.bmp into NAME.png
+  local name bmp
+  for name in "$@"; do
+    bmp="$shots/$name.bmp"
+    [ -f "$bmp" ] || continue
+    "$magick" "$bmp" "${bmp%.bmp}.png" && rm -f "$bmp" && echo "screenshot: ${bmp%.bmp}.png"
+  done
+}
+
 # The installed program, driven in a virtual desktop.
 display_start || { result "the installed program" "Xvfb could not start" ""; finish; }
 driver_result="$work/installed.txt"
@@ -160,26 +189,11 @@ wine explorer "/desktop=$desktop,1280x800" "$bin/e2e_driver.exe" installed \
   "$(winepath -w "$menu_u/Quorvane.lnk" 2>/dev/null)" "$program_w\\quorvane.exe" \
   >>"$log" 2>&1 </dev/null &
 wine_pid=$!
-driver_finished() {
-  [ -f "$1" ] && tr -d '\r' <"$1" | grep -qE '^[0-9]+ passed, [0-9]+ failed$'
-}
 desktop_wait "$desktop" "$wine_pid" 1200 driver_finished "$driver_result"
 desktop_stop "$desktop" 10
 wait "$wine_pid" 2>/dev/null
-if driver_finished "$driver_result"; then
-  while IFS= read -r line; do
-    case "$line" in
-      "ok   "*) echo "$line"; passed=$((passed + 1)) ;;
-      "FAIL "*) echo "$line"; failed=$((failed + 1)) ;;
-    esac
-  done < <(tr -d '\r' <"$driver_result")
-else
-  result "the installed program" "the driver gave no result (see $log)" ""
-fi
-for bmp in "$shots"/e2e-installed.bmp "$shots"/e2e-help.bmp; do
-  [ -f "$bmp" ] || continue
-  "$magick" "$bmp" "${bmp%.bmp}.png" && rm -f "$bmp" && echo "screenshot: ${bmp%.bmp}.png"
-done
+read_driver_result "$driver_result"
+convert_shots e2e-installed e2e-help
 
 # The user's data: a collection in the data folder the program made, and the automatic start
 # the wallpaper settings write.
@@ -243,5 +257,42 @@ f=""
 reg_has_key "$product_key" || f+="the settings key is gone; "
 result "uninstalled: the data folder and its collection kept" "$f" \
   "$(cd "$data_u" 2>/dev/null && echo *) and the settings key"
+
+echo "== install e2e: installed again, uninstalled by hand with the box for the user's data ticked"
+wine "$setup" /S >>"$log" 2>&1 </dev/null
+status=$?
+driver_result="$work/uninstall-with-data.txt"
+rm -f "$driver_result" "$shots"/e2e-uninstall-box.*
+if [ "$status" -eq 0 ] && [ -f "$program_u/Uninstall.exe" ]; then
+  # The uninstaller first, then, once its desktop is up, the driver that works it.
+  wine explorer "/desktop=$desktop,1280x800" "$program_w\\Uninstall.exe" >>"$log" 2>&1 </dev/null &
+  for _ in $(seq 1 100); do
+    [ -n "$(desktop_processes "$desktop")" ] && break
+    sleep 0.1
+  done
+  sleep 1
+  wine explorer "/desktop=$desktop,1280x800" "$bin/e2e_driver.exe" uninstall-with-data \
+    "$(winepath -w "$driver_result" 2>/dev/null)" "$(winepath -w "$shots" 2>/dev/null)" \
+    >>"$log" 2>&1 </dev/null &
+  wine_pid=$!
+  desktop_wait "$desktop" "$wine_pid" 900 driver_finished "$driver_result"
+  desktop_stop "$desktop" 10
+  wait "$wine_pid" 2>/dev/null
+  read_driver_result "$driver_result"
+  for _ in $(seq 1 100); do
+    [ ! -e "$program_u" ] && [ ! -e "$data_u" ] && break
+    sleep 0.1
+  done
+  f=""
+  [ ! -e "$program_u" ] || f+="$program_w is still there; "
+  ! reg_has_key "$uninstall_key" || f+="the entry in the list of programs is still there; "
+  [ ! -e "$data_u" ] || f+="the data folder $data_w is still there ($(cd "$data_u" && echo *)); "
+  ! reg_has_key "$product_key" || f+="the settings key is still there; "
+  result "with the box ticked, the data folder and the settings go too" "$f" \
+    "program, data folder with Kept.RXS, settings key removed"
+else
+  result "installed again" "QuorvaneSetup.exe /S exited with $status, or left no Uninstall.exe" ""
+fi
+convert_shots e2e-uninstall-box
 rm -f "$picture"
 finish

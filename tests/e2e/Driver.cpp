@@ -36,6 +36,10 @@
 //       The program as the installer left it (Installed.cpp): the Start Menu shortcut <shortcut>
 //       must start <program>; started from it, the window shows its pages, and the "?" icon
 //       opens the help in the help viewer.
+//   e2e_driver uninstall-with-data <result file> <screenshot folder>
+//       The uninstaller, started in the same desktop by the caller, run by hand (Installed.cpp):
+//       the box that removes the user's data too, unticked at first, ticked with the pointer;
+//       then "Uninstall" and "Close".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -583,6 +587,13 @@ int InstalledRun(const std::string& resultPath, const std::string& screenshotFol
   return result.Finish();
 }
 
+int UninstallWithDataRun(const std::string& resultPath, const std::string& screenshotFolder) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunUninstallWithData(screenshotFolder, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -635,6 +646,7 @@ int main(int argc, char** argv) {
     return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
   }
   if (command == "installed" && argc == 6) return InstalledRun(argv[2], argv[3], argv[4], argv[5]);
+  if (command == "uninstall-with-data" && argc == 4) return UninstallWithDataRun(argv[2], argv[3]);
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));

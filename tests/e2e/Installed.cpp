@@ -5,6 +5,7 @@
 #include <objbase.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <cctype>
 #include <vector>
 
@@ -63,7 +64,8 @@ bool ReadShortcut(const std::string& path, std::string& target, std::string& fol
   return read;
 }
 
-// The shown top-level window titled `title`, of any process; null when there is none.
+// The shown top-level window titled `title` (blanks at the end aside), of any process; null when
+// there is none.
 HWND FindShownTitled(const char* title) {
   struct Search {
     const char* title;
@@ -72,7 +74,10 @@ HWND FindShownTitled(const char* title) {
   ::EnumWindows(
       [](HWND window, LPARAM data) -> BOOL {
         auto& s = *reinterpret_cast<Search*>(data);
-        if (::IsWindowVisible(window) != 0 && TextOf(window) == s.title) {
+        // A wizard's title may end in the blank subtitle of its page.
+        std::string text = TextOf(window);
+        while (!text.empty() && text.back() == ' ') text.pop_back();
+        if (::IsWindowVisible(window) != 0 && text == s.title) {
           s.found = window;
           return FALSE;
         }
@@ -80,6 +85,21 @@ HWND FindShownTitled(const char* title) {
       },
       reinterpret_cast<LPARAM>(&search));
   return search.found;
+}
+
+// The titles of the shown top-level windows, for a failure's message.
+std::string ShownTitles() {
+  std::string titles;
+  ::EnumWindows(
+      [](HWND window, LPARAM data) -> BOOL {
+        if (::IsWindowVisible(window) != 0) {
+          auto& text = *reinterpret_cast<std::string*>(data);
+          text += (text.empty() ? "\"" : ", \"") + TextOf(window) + "\"";
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&titles));
+  return titles.empty() ? "none" : titles;
 }
 
 // The first tree view among the children of `window`: the help viewer's contents.
@@ -187,7 +207,114 @@ Verdict CheckHelp(HWND window, const std::string& screenshotFolder) {
   return verdict;
 }
 
+// The uninstaller's window and its texts.
+const char kUninstallTitle[] = "Quorvane Uninstall";
+const char kDataBox[] = "Also remove my collections and settings";
+constexpr int kNextButton = 1;  // "Next >", "Uninstall", then "Close"
+// The state pictures of the list's tick boxes.
+constexpr int kUnticked = 1;
+constexpr int kTicked = 2;
+
+// The first shown tree view among the children of `window`: the uninstaller's list of what it
+// can remove.
+HWND FindShownTreeView(HWND window) {
+  HWND found = nullptr;
+  ::EnumChildWindows(
+      window,
+      [](HWND child, LPARAM data) -> BOOL {
+        if (ClassNameOf(child) == WC_TREEVIEWA && ::IsWindowVisible(child) != 0) {
+          *reinterpret_cast<HWND*>(data) = child;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
+// The state picture of the first item of a tree view of another process: its tick box.
+int TickState(HWND tree) {
+  const auto item = reinterpret_cast<LPARAM>(
+      reinterpret_cast<HTREEITEM>(::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0)));
+  if (item == 0) return -1;
+  const auto state = static_cast<UINT>(
+      ::SendMessageA(tree, TVM_GETITEMSTATE, static_cast<WPARAM>(item), TVIS_STATEIMAGEMASK));
+  return static_cast<int>((state & TVIS_STATEIMAGEMASK) >> 12);
+}
+
+// Clicks the dialog's button `id` with the pointer, once it is shown and enabled.
+bool ClickButtonWhenReady(HWND dialog, int id, const std::string& text, DWORD milliseconds) {
+  HWND button = nullptr;
+  const bool ready = WaitUntil(milliseconds, [&] {
+    button = ::GetDlgItem(dialog, id);
+    if (button == nullptr || ::IsWindowVisible(button) == 0 || ::IsWindowEnabled(button) == 0) {
+      return false;
+    }
+    std::string caption = TextOf(button);
+    caption.erase(std::remove(caption.begin(), caption.end(), '&'), caption.end());
+    return text.empty() || caption == text;
+  });
+  if (ready) ClickAt(Centre(ScreenRect(button)));
+  return ready;
+}
+
 }  // namespace
+
+void RunUninstallWithData(const std::string& screenshotFolder, const Report& report) {
+  Verdict box;
+  std::string error;
+  // The uninstaller, started beside this driver, goes on in a copy of itself: its window is found
+  // by its title.
+  HWND dialog = nullptr;
+  if (!box.Check(WaitUntil(kHelpWait,
+                           [&] {
+                             dialog = FindShownTitled(kUninstallTitle);
+                             return dialog != nullptr;
+                           }),
+                 std::string("no window \"") + kUninstallTitle + "\" (shown: " + ShownTitles() +
+                     ")")) {
+    report("the uninstaller's box for the user's data", box);
+    return;
+  }
+  HWND tree = nullptr;
+  box.Check(ClickButtonWhenReady(dialog, kNextButton, "", 5000), "no \"Next\" button");
+  box.Check(WaitUntil(5000, [&] { return (tree = FindShownTreeView(dialog)) != nullptr; }),
+            "the page after the first shows no list of what to remove");
+  if (tree != nullptr) {
+    std::vector<RemoteItem> items;
+    int count = 0;
+    box.Check(ReadTreeView(tree, items, count, error) && items.size() == 1 &&
+                  items.front().text == kDataBox,
+              std::string("the list is not the one box \"") + kDataBox + "\" (" +
+                  std::to_string(items.size()) + " items, the first \"" +
+                  (items.empty() ? std::string() : items.front().text) + "\")");
+    const int before = TickState(tree);
+    SaveShot(box, screenshotFolder, "e2e-uninstall-box");
+    // The tick box stands left of the item's text.
+    RECT text{};
+    if (box.Check(TreeItemRect(tree, 1, text, error), "the box's item: " + error)) {
+      ClickAt(POINT{text.left - 9, (text.top + text.bottom) / 2});
+    }
+    box.Check(before == kUnticked, "the box is not unticked at first (state " +
+                                       std::to_string(before) + ")");
+    int after = before;
+    box.Check(WaitUntil(3000, [&] { return (after = TickState(tree)) == kTicked; }),
+              "a click on the box did not tick it (state " + std::to_string(after) + ")");
+    box.Note("\"" + std::string(kDataBox) + "\" alone on the list, its state " +
+             std::to_string(before) + " at first, " + std::to_string(after) + " after a click");
+  }
+  report("the uninstaller's box for the user's data, ticked by a click", box);
+
+  Verdict run;
+  run.Check(ClickButtonWhenReady(dialog, kNextButton, "Uninstall", 5000),
+            "no \"Uninstall\" button");
+  run.Check(ClickButtonWhenReady(dialog, kNextButton, "Close", 30000),
+            "the uninstaller did not come to \"Close\"");
+  run.Check(WaitUntil(10000, [&] { return ::IsWindow(dialog) == 0; }),
+            "the uninstaller's window did not close");
+  run.Note("\"Uninstall\", then \"Close\"");
+  report("uninstalled by hand with the box ticked", run);
+}
 
 void RunInstalled(const std::string& shortcut, const std::string& expectedTarget,
                   const std::string& screenshotFolder, const Report& report) {
