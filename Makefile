@@ -1,7 +1,8 @@
 # The two commands: `make run` and `make test`. Each does its own set-up on a fresh Debian
 # machine (scripts/setup.sh), so nothing needs installing by hand. `make fuzz` runs the fuzz
-# harnesses long (FUZZ_RUNS inputs a run, FUZZ_SEEDS), `make bench` the benchmarks.
-.PHONY: run test fuzz setup native windows bench clean
+# harnesses long (FUZZ_RUNS inputs a run, FUZZ_SEEDS), `make bench` the benchmarks, `make dist` the
+# installer, build/windows/QuorvaneSetup.exe.
+.PHONY: run test fuzz setup native windows dist bench clean
 
 JOBS ?= $(shell nproc)
 
@@ -15,6 +16,10 @@ native: setup
 windows: setup
 	cmake --preset windows >/dev/null
 	cmake --build --preset windows -j $(JOBS)
+
+dist: windows
+	cmake --build --preset windows --target dist
+	@echo "installer: build/windows/QuorvaneSetup.exe"
 
 run: windows
 	bash scripts/run.sh

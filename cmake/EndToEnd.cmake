@@ -16,7 +16,7 @@ file(GLOB QUORVANE_E2E_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/e2e/*
 if(QUORVANE_E2E_SOURCES AND TARGET quorvane)
   # A GUI program, so that Wine opens no console window for it in the desktop it photographs.
   add_executable(e2e_driver WIN32 ${QUORVANE_E2E_SOURCES})
-  target_link_libraries(e2e_driver PRIVATE quorvane_driving)
+  target_link_libraries(e2e_driver PRIVATE quorvane_driving ole32 uuid)
   target_compile_definitions(e2e_driver PRIVATE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0600)
   quorvane_target(e2e_driver)
   # The driver starts quorvane.exe from its own folder: build both together.

@@ -9,6 +9,8 @@ packages=(
   wine wine64 xvfb xauth x11-utils fonts-wine imagemagick
   cabextract gcab libgcab-dev libz-mingw-w64-dev hyperfine
   libturbojpeg0-dev libpng-dev libgif-dev
+  # The help's compiler (chmcmd) and the installer's (makensis).
+  fp-utils nsis
   # Real pictures nobody here made. The tests take theirs from mate-backgrounds
   # (/usr/share/backgrounds/mate/<theme>/, JPEGs and PNGs); the benchmarks take the JPEGs of all
   # three (ukui-wallpapers: /usr/share/backgrounds/, plasma-workspace-wallpapers:

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every test tier: native unit, conformance and fuzz corpus runs, then the Windows
-# conformance and end-to-end tests under Wine. Ends with the count of each tier, so that a tier
+# conformance and end-to-end tests under Wine, then the installer's end-to-end run in a Wine prefix
+# of its own (scripts/e2e-install.sh). Ends with the count of each tier, so that a tier
 # that ran fewer cases than it should shows at a glance, and the whole run's "N passed, N failed".
 # A case that skipped counts as failed: in this run a skip could only hide something set-up failed
 # to install. The exit status is non-zero when anything failed.
@@ -12,7 +13,8 @@ status=0
 native_log=build/native/ctest.log
 windows_log=build/windows/ctest.log
 e2e_log=build/e2e.log
-rm -f "$native_log" "$windows_log" "$e2e_log"
+install_log=build/e2e-install.log
+rm -f "$native_log" "$windows_log" "$e2e_log" "$install_log"
 
 echo "== native: unit, conformance over the portable adapters, fuzz corpus runs"
 ctest --preset native -j "$(nproc)" 2>&1 | tee "$native_log"
@@ -34,6 +36,9 @@ fi
 bash scripts/e2e.sh 2>&1 | tee "$e2e_log"
 [ "${PIPESTATUS[0]}" -eq 0 ] || status=1
 wine_finish
+echo "== install: the installer, the installed program and its help, the uninstaller, in a fresh Wine prefix"
+bash scripts/e2e-install.sh 2>&1 | tee "$install_log"
+[ "${PIPESTATUS[0]}" -eq 0 ] || status=1
 
 # The counts. Natively every GoogleTest case and every fuzz harness is one ctest test; under Wine
 # a GoogleTest program is one ctest test, whose cases are counted from GoogleTest's summary, and
@@ -141,6 +146,15 @@ else
 fi
 tier_line "end-to-end cases" "$e2e_p" "$e2e_f"
 add "$e2e_p" "$e2e_f"
+install_line="$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$install_log" 2>/dev/null | tail -n 1)"
+if [ -n "$install_line" ]; then
+  read -r install_p _ install_f _ <<<"$install_line"
+else
+  install_p=0
+  install_f=1
+fi
+tier_line "install end-to-end cases" "$install_p" "$install_f"
+add "$install_p" "$install_f"
 
 [ "$all_failed" -eq 0 ] || status=1
 echo "$all_passed passed, $all_failed failed"

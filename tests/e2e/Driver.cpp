@@ -32,6 +32,14 @@
 //       One run where the real window must do what the controls do (RealWindow.cpp): the
 //       disabled CmdApply under the pointer, numbers typed into the spin edits, the focus after a
 //       collection is removed. The script runs it taken for "Windows XP".
+//   e2e_driver installed <result file> <screenshot folder> <shortcut> <program>
+//       The program as the installer left it (Installed.cpp): the Start Menu shortcut <shortcut>
+//       must start <program>; started from it, the window shows its pages, and the "?" icon
+//       opens the help in the help viewer.
+//   e2e_driver uninstall-with-data <result file> <screenshot folder>
+//       The uninstaller, started in the same desktop by the caller, run by hand (Installed.cpp):
+//       the box that removes the user's data too, unticked at first, ticked with the pointer;
+//       then "Uninstall" and "Close".
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -54,6 +62,7 @@
 #include "Driving.h"
 #include "Appearance.h"
 #include "IconChanges.h"
+#include "Installed.h"
 #include "Navigation.h"
 #include "RealWindow.h"
 #include "Registry.h"
@@ -570,6 +579,21 @@ int WallpaperPageRun(const std::string& resultPath, const std::string& screensho
   return result.Finish();
 }
 
+int InstalledRun(const std::string& resultPath, const std::string& screenshotFolder,
+                 const std::string& shortcut, const std::string& program) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunInstalled(shortcut, program, screenshotFolder, result.Cases());
+  return result.Finish();
+}
+
+int UninstallWithDataRun(const std::string& resultPath, const std::string& screenshotFolder) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunUninstallWithData(screenshotFolder, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -621,6 +645,8 @@ int main(int argc, char** argv) {
   if (command == "wallpaper-page" && argc == 6) {
     return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
   }
+  if (command == "installed" && argc == 6) return InstalledRun(argv[2], argv[3], argv[4], argv[5]);
+  if (command == "uninstall-with-data" && argc == 4) return UninstallWithDataRun(argv[2], argv[3]);
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
