@@ -32,6 +32,9 @@
 //       One run where the real window must do what the controls do (RealWindow.cpp): the
 //       disabled CmdApply under the pointer, numbers typed into the spin edits, the focus after a
 //       collection is removed. The script runs it taken for "Windows XP".
+//   e2e_driver folder-page <result file> <screenshot folder> <screenshot prefix>
+//       One run for the folder page (FolderPage.cpp): folders made for the run opened in the
+//       tree, one selected, changed through the picker and taken back with Default.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -53,6 +56,7 @@
 
 #include "Driving.h"
 #include "Appearance.h"
+#include "FolderPage.h"
 #include "IconChanges.h"
 #include "Navigation.h"
 #include "RealWindow.h"
@@ -570,6 +574,14 @@ int WallpaperPageRun(const std::string& resultPath, const std::string& screensho
   return result.Finish();
 }
 
+int FolderPageRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& prefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunFolderPage(OwnFolder() + "quorvane.exe", screenshotFolder, prefix, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -621,6 +633,7 @@ int main(int argc, char** argv) {
   if (command == "wallpaper-page" && argc == 6) {
     return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
   }
+  if (command == "folder-page" && argc == 5) return FolderPageRun(argv[2], argv[3], argv[4]);
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));
