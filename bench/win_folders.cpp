@@ -15,6 +15,7 @@
 // standard output its caller can read.
 #include <windows.h>
 #include <commctrl.h>
+#include <shellapi.h>
 
 #include "WinTiming.h"
 
@@ -138,6 +139,38 @@ double Open(HWND main, HWND tree, HTREEITEM item, bool timed) {
   return Now() - since;
 }
 
+// What opening the folder asks of the platform, alone, from this process: for each sub-folder
+// the two queries of the system image list that give its closed and open image (the program
+// asks these of every child), and the listing that tells whether it has sub-folders of its own.
+// Milliseconds of each of the two parts.
+void PlatformAlone(const std::string& folder, int count, double& queries, double& listings) {
+  std::vector<std::string> paths;
+  for (int i = 0; i < count; ++i) {
+    char name[32];
+    std::snprintf(name, sizeof name, "\\f%05d", i);
+    paths.push_back(folder + name);
+  }
+  double since = Now();
+  for (const std::string& path : paths) {
+    SHFILEINFOA info{};
+    ::SHGetFileInfoA(path.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
+    ::SHGetFileInfoA(path.c_str(), 0, &info, sizeof info,
+                     SHGFI_SYSICONINDEX | SHGFI_SMALLICON | SHGFI_OPENICON);
+  }
+  queries = Now() - since;
+  since = Now();
+  for (const std::string& path : paths) {
+    WIN32_FIND_DATAA found{};
+    HANDLE search = ::FindFirstFileA((path + "\\*").c_str(), &found);
+    if (search != INVALID_HANDLE_VALUE) {
+      while (::FindNextFileA(search, &found) != 0) {
+      }
+      ::FindClose(search);
+    }
+  }
+  listings = Now() - since;
+}
+
 struct Series {
   int size = 0;
   std::vector<double> start, page, open;
@@ -234,11 +267,17 @@ int main(int argc, char** argv) {
       continue;
     }
     for (int run = 0; run < runs; ++run) RunOnce(program, series);
+    double queries = 0.0;
+    double listings = 0.0;
+    PlatformAlone("C:\\QuorvaneBench\\N" + std::to_string(series.size), series.size, queries,
+                  listings);
     std::fprintf(out,
                  "%5d sub-folders: start %.0f ms, page %.1f ms, open %.1f ms (medians of %zu runs;"
-                 " %d children shown; %d runs failed)\n",
+                 " %d children shown; %d runs failed); of the platform alone: %d image-list"
+                 " queries %.0f ms, %d listings %.0f ms\n",
                  series.size, Median(series.start), Median(series.page), Median(series.open),
-                 series.open.size(), series.children, series.failures);
+                 series.open.size(), series.children, series.failures, 2 * series.size, queries,
+                 series.size, listings);
     std::fflush(out);
   }
   std::fprintf(out, "done\n");

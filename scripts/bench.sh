@@ -121,7 +121,8 @@ bench_folders() {
   cmake --build --preset windows -j "$(nproc)" --target quorvane win_folders >/dev/null
   echo "== the folder page of quorvane.exe: start-up (one pass over the drives), the page, and"
   echo "   a folder opened in the tree, as the folder grows; $runs runs each, Wine desktop on Xvfb"
-  run_in_desktop folders win_folders.exe $(( runs * 600 + 1200 )) 100 1000 5000
+  # shellcheck disable=SC2086
+  run_in_desktop folders win_folders.exe $(( runs * 3000 + 1200 )) ${FOLDER_SIZES:-100 1000 5000}
   # The same folder listed by the system's own command, in the same prefix: the whole process,
   # and an empty command for what starting it costs.
   source scripts/wine-env.sh
