@@ -12,6 +12,11 @@
 #                                    repainted, under Wine in a virtual desktop on Xvfb
 #   bash scripts/bench.sh wallpaper  one automatic wallpaper change (unpack, decode, save, set) of
 #                                    a 3840x2160 JPEG under Wine, against xwallpaper and feh on Xvfb
+#   bash scripts/bench.sh folders    the folder page of quorvane.exe under Wine: opening a folder
+#                                    of 1,000 sub-folders in its tree (click to the children
+#                                    shown) against `cmd /c dir /ad` of the same folder in the same
+#                                    prefix; and start-up, page and opening as the folder grows to
+#                                    100, 1,000 and 5,000 sub-folders
 #   bash scripts/bench.sh cabinet    packing the JPEGs of Debian's wallpaper packages into a
 #                                    collection file against `gcab -c -z`, and unpacking its first
 #                                    and last entry against `cabextract -F`, natively
@@ -117,6 +122,27 @@ bench_switch() {
   # The timing program starts quorvane.exe inside the virtual desktop, clicks, and writes its
   # figures to a file.
   run_in_desktop switch win_switch.exe $(( runs * 300 + 900 ))
+}
+
+bench_folders() {
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" --target quorvane win_folders >/dev/null
+  echo "== the folder page of quorvane.exe: start-up (one pass over the drives), the page, and"
+  echo "   a folder opened in the tree, as the folder grows; $runs runs each, Wine desktop on Xvfb"
+  # shellcheck disable=SC2086
+  run_in_desktop folders win_folders.exe $(( runs * 3000 + 1200 )) ${FOLDER_SIZES:-100 1000 5000}
+  # The same folder listed by the system's own command, in the same prefix: the whole process,
+  # and an empty command for what starting it costs.
+  source scripts/wine-env.sh
+  local own_server=0
+  wineserver_running || own_server=1
+  wine_prepare
+  echo "== cmd /c dir /ad of the folder of 1,000 sub-folders, $runs runs"
+  hyperfine --style basic --warmup 2 --runs "$runs" \
+    -n "cmd /c dir /ad N1000" "wine cmd /c dir /ad 'C:\\QuorvaneBench\\N1000' >/dev/null" \
+    -n "cmd /c exit" "wine cmd /c exit" \
+    --export-json "$root/build/bench/folders-dir.json"
+  if [ "$own_server" = 1 ]; then wine_finish; fi
 }
 
 # install_missing PACKAGE...: installs with apt-get those of the Debian packages not installed.
@@ -313,8 +339,9 @@ case "$what" in
   startup) bench_startup ;;
   switch) bench_switch ;;
   cabinet) bench_cabinet ;;
+  folders) bench_folders ;;
   wallpaper) bench_wallpaper ;;
   thumbnails) bench_thumbnails ;;
-  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper; bench_thumbnails ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper; bench_thumbnails; bench_folders ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac

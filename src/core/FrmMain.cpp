@@ -57,6 +57,7 @@ FrmMain::FrmMain() : ui::Form("FrmMain") {
   };
   Label14.Click = [this] { Label14_Click(); };
   ConnectAppearancePage();
+  ConnectFolderPage();
 
   // Hover.
   const auto onMove = [](std::function<void()> routine) {

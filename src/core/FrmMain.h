@@ -281,6 +281,18 @@ class FrmMain : public ui::Form {
   void ReadIconSize();
   void SetUpSliderBackground();
   void ReadIconSpacing();
+  // The folder page (FrmMainFolders.cpp): its handlers connected; Tree built anew from its root
+  // ("My Computer") and then its drives, each with a placeholder while it has sub-folders not
+  // yet read; a node opened for the first time gets its sub-folders; a click shows the selected
+  // path's icon in PicSmall and PicLarge; CmdChange writes an icon of the user's choice into the
+  // selected folder's desktop.ini at once, and CmdDefault takes it away again.
+  void ConnectFolderPage();
+  void FillTreeRoot();
+  void FillDrives();
+  void Tree_Expand(std::int32_t Node);
+  void Tree_Click();
+  void ChangeSelectedFolderIcon();
+  void RestoreSelectedFolderIcon();
   void PicClose_Click();
   void PicMin_Click();
   void mnuShowHide_Click();

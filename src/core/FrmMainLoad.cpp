@@ -60,6 +60,10 @@ void FrmMain::Form_Load() {
     CmdMenu_Click(0);
     ResetHover();
 
+    // The folder tree: its root, then the drives.
+    FillTreeRoot();
+    FillDrives();
+
     // The appearance page: its blocked state and the stored size; the slider's background,
     // once in the life of the window; the stored spacing and the shortcut overlay.
     ReadIconSize();
@@ -193,7 +197,7 @@ void FrmMain::CmdMenu_Click(std::int16_t Index) {
   frame.Width(7695);
   frame.Visible(true);
 
-  if (Index == 2 && Tree.Count() > 0) {
+  if (Index == 2) {
     Tree.Select(1);
     Tree.Item(1).Expanded = true;
     Tree.NodeChanged(1);

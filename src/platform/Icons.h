@@ -70,8 +70,9 @@ class Icons {
   virtual std::int32_t DestroyIcon(GdiHandle icon) = 0;
   // Fills `info` (of `size` bytes on the system's side) with what `flags` asks about `path`.
   // With kShgfiSysIconIndex the result is the handle of the system image list that holds the
-  // icon, otherwise non-zero on success (with kShgfiExeType: the type of an executable, 0 for
-  // any other file). 0 when the path can't be resolved.
+  // icon, whatever else the flags ask for; otherwise non-zero on success (with kShgfiExeType
+  // alone: the type of an executable, 0 for any other file). 0 when the path can't be
+  // resolved.
   virtual std::uint32_t SHGetFileInfoA(const char* path, std::uint32_t attributes,
                                        ShFileInfo& info, std::uint32_t size,
                                        std::uint32_t flags) = 0;

@@ -1,5 +1,7 @@
 #include "ui/Controls.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <utility>
 
@@ -220,6 +222,7 @@ const Node& TreeView::Item(std::int32_t position) const {
 void TreeView::Clear() {
   nodes_.clear();
   selected_ = 0;
+  removed_.clear();
   Notify(Property::Nodes);
 }
 
@@ -232,6 +235,62 @@ void TreeView::Select(std::int32_t position) {
 void TreeView::NodeChanged(std::int32_t position) {
   Item(position);
   Notify(Property::NodeState);
+}
+
+void TreeView::Remove(std::int32_t position) {
+  Item(position);  // a position outside the tree is a failure
+  // A node goes when it is the one removed or its parent goes; parents come before children.
+  std::vector<std::int32_t> newPosition(nodes_.size() + 1, 0);
+  std::vector<bool> gone(nodes_.size() + 1, false);
+  std::vector<Node> kept;
+  kept.reserve(nodes_.size());
+  removed_.clear();
+  for (std::int32_t p = 1; p <= Count(); ++p) {
+    Node& node = nodes_[static_cast<std::size_t>(p - 1)];
+    if (p == position || (node.Parent > 0 && gone[static_cast<std::size_t>(node.Parent)])) {
+      gone[static_cast<std::size_t>(p)] = true;
+      removed_.push_back(p);
+      continue;
+    }
+    node.Parent = node.Parent > 0 ? newPosition[static_cast<std::size_t>(node.Parent)] : 0;
+    kept.push_back(std::move(node));
+    newPosition[static_cast<std::size_t>(p)] = static_cast<std::int32_t>(kept.size());
+  }
+  nodes_ = std::move(kept);
+  selected_ = selected_ > 0 ? newPosition[static_cast<std::size_t>(selected_)] : 0;
+  Notify(Property::Nodes);
+}
+
+std::vector<std::int32_t> TreeView::Children(std::int32_t position) const {
+  if (position != 0) Item(position);
+  std::vector<std::int32_t> children;
+  for (std::int32_t p = 1; p <= Count(); ++p) {
+    if (nodes_[static_cast<std::size_t>(p - 1)].Parent == position) children.push_back(p);
+  }
+  if (position != 0 && Item(position).Sorted) {
+    std::stable_sort(children.begin(), children.end(), [this](std::int32_t a, std::int32_t b) {
+      const std::string& x = nodes_[static_cast<std::size_t>(a - 1)].Text;
+      const std::string& y = nodes_[static_cast<std::size_t>(b - 1)].Text;
+      return std::lexicographical_compare(
+          x.begin(), x.end(), y.begin(), y.end(), [](unsigned char l, unsigned char r) {
+            return std::tolower(l) < std::tolower(r);
+          });
+    });
+  }
+  return children;
+}
+
+std::int32_t TreeView::FirstChild(std::int32_t position) const {
+  const std::vector<std::int32_t> children = Children(position);
+  return children.empty() ? 0 : children.front();
+}
+
+std::string TreeView::FullPath(std::int32_t position) const {
+  std::string path = Item(position).Text;
+  for (std::int32_t p = Item(position).Parent; p > 0; p = Item(p).Parent) {
+    path = Item(p).Text + "\\" + path;
+  }
+  return path;
 }
 
 PictureBox::PictureBox(std::string name, std::int32_t index) : Control(std::move(name), index) {}

@@ -280,6 +280,8 @@ struct Node {
   bool Checked = false;  // the tick box of a tree with tick boxes
   bool Expanded = false;
   std::int32_t Parent = 0;  // position of the parent node, 0 at top level
+  // The node's children show in the order of their texts, not in the order they were added.
+  bool Sorted = false;
 };
 
 class TreeView : public Control {
@@ -302,6 +304,22 @@ class TreeView : public Control {
   // Tells the binding that a node's text, image, bold mark or tag changed.
   void NodeChanged(std::int32_t position);
 
+  // Removes node `position` and the nodes below it; the later nodes move up to fill the gap.
+  void Remove(std::int32_t position);
+  // The positions, as they were, of the nodes the last Remove took away, in order; empty after
+  // Clear.
+  const std::vector<std::int32_t>& Removed() const { return removed_; }
+  // The children of node `position` (0: the top level) in the order shown: by text, without
+  // regard to case, under a Sorted node, else as they were added.
+  std::vector<std::int32_t> Children(std::int32_t position) const;
+  // The first child shown of node `position`; 0 when it has none.
+  std::int32_t FirstChild(std::int32_t position) const;
+  // The texts from the top-level node down to node `position`, joined by a backslash.
+  std::string FullPath(std::int32_t position) const;
+
+  // Runs when the user opens a node, before its children show, with the node's position.
+  std::function<void(std::int32_t position)> Expand;
+
   // The image list the nodes' image numbers refer to.
   ImageList* Images = nullptr;
   // A tree with tick boxes: each node shows its Checked.
@@ -310,6 +328,7 @@ class TreeView : public Control {
  private:
   std::vector<Node> nodes_;
   std::int32_t selected_ = 0;
+  std::vector<std::int32_t> removed_;
 };
 
 class PictureBox;

@@ -5,6 +5,7 @@
 // what two routines draw, or whether anything is drawn at all.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -484,12 +485,34 @@ TEST(PlatformIconsTest, AnExistingFolderIsInTheSystemImageListAtTheSmallSize) {
   EXPECT_EQ(Icons().ImageList_GetIconSize(list + 8, width, height), 0);
 }
 
-TEST(PlatformIconsTest, TheExecutableTypeQueryOfAFolderIsZero) {
-  // DrawShellIcon's query asks for the executable type with the rest, and then the platform
-  // answers that alone: for anything but a program it is 0.
+TEST(PlatformIconsTest, ASystemIndexQueryGivesTheListWhateverElseItAsksFor) {
+  // DrawShellIcon's query asks for the executable type with the rest; the list comes all the
+  // same, with the folder's icon in the record.
   const std::string folder = FreshTempFolder();
+  platform::ShFileInfo small;
+  const std::uint32_t smallList =
+      Icons().SHGetFileInfoA(folder.c_str(), 0, small, icons::kShFileInfoSize, 0x6605);
+  ASSERT_NE(smallList, 0u);
+  platform::ShFileInfo plain;
+  EXPECT_EQ(Icons().SHGetFileInfoA(folder.c_str(), 0, plain, icons::kShFileInfoSize,
+                                   icons::kShgfiSysIconIndex | icons::kShgfiSmallIcon),
+            smallList);
+  EXPECT_EQ(small.iIcon, plain.iIcon);
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  EXPECT_EQ(Icons().ImageList_GetIconSize(smallList, width, height), 1);
+  EXPECT_EQ(width, 16);
+  platform::ShFileInfo large;
+  const std::uint32_t largeList =
+      Icons().SHGetFileInfoA(folder.c_str(), 0, large, icons::kShFileInfoSize, 0x6604);
+  ASSERT_NE(largeList, 0u);
+  EXPECT_EQ(Icons().ImageList_GetIconSize(largeList, width, height), 1);
+  EXPECT_EQ(width, 32);
+  // The executable type alone is still 0 for a folder.
   platform::ShFileInfo info;
-  EXPECT_EQ(Icons().SHGetFileInfoA(folder.c_str(), 0, info, icons::kShFileInfoSize, 0x6605), 0u);
+  EXPECT_EQ(Icons().SHGetFileInfoA(folder.c_str(), 0, info, icons::kShFileInfoSize,
+                                   icons::kShgfiExeType),
+            0u);
 }
 #endif
 
@@ -735,13 +758,25 @@ TEST_F(IconPageTest, DrawShellIconLeavesTheBoxAsItWasWhenThePlatformGivesNoList)
   EXPECT_EQ(size, 32);
 }
 
-TEST_F(IconPageTest, DrawShellIconOfAFolderAsksForTheExecutableTypeAndSoDrawsNothing) {
-  // The query asks for everything at once, the executable type with it, and the platform then
-  // answers that alone: 0 for a folder, which the routine takes for no list.
-  const std::int32_t width = form_.PicSmall.Width();
-  std::int16_t size = 16;
-  DrawShellIcon(folder_, form_.PicSmall, size);
-  EXPECT_EQ(form_.PicSmall.Width(), width);
+TEST_F(IconPageTest, DrawShellIconDrawsAFoldersIconAtTheSizeAsked) {
+  for (const std::int16_t wanted : {std::int16_t{16}, std::int16_t{32}}) {
+    ui::PictureBox& box = wanted == 16 ? form_.PicSmall : form_.PicLarge;
+    box.Width(90);
+    box.Height(90);
+    box.Picture(ui::Pixels{1, 1, {0xFF123456u}});
+    std::int16_t size = wanted;
+    DrawShellIcon(folder_, box, size);
+    EXPECT_EQ(box.Width(), wanted * 15);
+    EXPECT_EQ(box.Height(), wanted * 15);
+    EXPECT_EQ(box.ScaleWidth, wanted * 15);
+    EXPECT_TRUE(box.Picture().Empty());
+    EXPECT_TRUE(box.AutoRedraw());
+    const ui::Pixels image = box.Image();
+    ASSERT_EQ(image.width, wanted);
+    EXPECT_TRUE(std::any_of(image.bgra.begin(), image.bgra.end(),
+                            [&](std::uint32_t p) { return p != image.bgra.front(); }))
+        << "size " << wanted;
+  }
 }
 
 TEST_F(IconPageTest, GetNodeImageKeepsOneImagePerSystemIcon) {

@@ -38,6 +38,9 @@ class RemoteBuffer {
   void* address_;
 };
 
+bool RectOfItem(HWND tree, HTREEITEM item, RECT& area, std::string& error,
+                const std::string& position);
+
 HTREEITEM Next(HWND tree, UINT relation, HTREEITEM item) {
   return reinterpret_cast<HTREEITEM>(
       ::SendMessageA(tree, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
@@ -101,6 +104,7 @@ bool ReadTreeView(HWND tree, std::vector<RemoteItem>& items, int& count, std::st
     read.bold = (answer.state & TVIS_BOLD) != 0;
     read.selected = item == selected;
     read.level = level;
+    read.handle = item;
     items.push_back(std::move(read));
     std::vector<HTREEITEM> children;
     for (HTREEITEM child = Next(tree, TVGN_CHILD, item); child != nullptr;
@@ -119,6 +123,17 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error) {
     error = "no item " + std::to_string(position);
     return false;
   }
+  return RectOfItem(tree, item, area, error, std::to_string(position));
+}
+
+bool TreeItemRectOf(HWND tree, HTREEITEM item, RECT& area, std::string& error) {
+  return RectOfItem(tree, item, area, error, "of the tree");
+}
+
+namespace {
+
+bool RectOfItem(HWND tree, HTREEITEM item, RECT& area, std::string& error,
+                const std::string& position) {
   DWORD processId = 0;
   ::GetWindowThreadProcessId(tree, &processId);
   OwnedHandle process(::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE,
@@ -138,12 +153,14 @@ bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error) {
       ::SendMessageA(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(buffer.Address())) ==
           0 ||
       ::ReadProcessMemory(process.Get(), buffer.Address(), &area, sizeof area, &moved) == 0) {
-    error = "TVM_GETITEMRECT failed for item " + std::to_string(position);
+    error = "TVM_GETITEMRECT failed for item " + position;
     return false;
   }
   ::MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&area), 2);
   return true;
 }
+
+}  // namespace
 
 bool ListBoxItemRect(HWND list, int index, RECT& area, std::string& error) {
   const LRESULT count = ::SendMessageA(list, LB_GETCOUNT, 0, 0);

@@ -3,6 +3,7 @@
 // view or a list box holds, clicks and drags of the pointer, dialogs, the program's bitmaps, and
 // what a part of the screen shows.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdint>
 #include <string>
@@ -20,6 +21,7 @@ struct RemoteItem {
   bool bold = false;
   bool selected = false;
   int level = 0;  // 0 at top level
+  HTREEITEM handle = nullptr;  // the item in the other process's tree view
 };
 
 // Every item of a tree view of another process, in display order (each item before its
@@ -31,6 +33,9 @@ bool ReadTreeView(HWND tree, std::vector<RemoteItem>& items, int& count, std::st
 // of a tree view of another process. False, with `error`, when there is no such item shown.
 bool TreeItemRect(HWND tree, int position, RECT& area, std::string& error);
 
+// The screen rectangle of the text of an item that ReadTreeView read (its handle). False, with
+// `error`, when the item is not shown.
+bool TreeItemRectOf(HWND tree, HTREEITEM item, RECT& area, std::string& error);
 // The screen rectangle of item `index` of a list box of another process (the system carries
 // the rectangle between the processes). False, with `error`, when the list has no such item.
 bool ListBoxItemRect(HWND list, int index, RECT& area, std::string& error);

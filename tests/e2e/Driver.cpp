@@ -40,6 +40,9 @@
 //       The uninstaller, started in the same desktop by the caller, run by hand (Installed.cpp):
 //       the box that removes the user's data too, unticked at first, ticked with the pointer;
 //       then "Uninstall" and "Close".
+//   e2e_driver folder-page <result file> <screenshot folder> <screenshot prefix>
+//       One run for the folder page (FolderPage.cpp): folders made for the run opened in the
+//       tree, one selected, changed through the picker and taken back with Default.
 //   e2e_driver wait-window <result file> <seconds>
 //       Waits until the main window is shown; writes "shown", or "not shown" after the time.
 //   e2e_driver exit <result file> <seconds>
@@ -61,6 +64,7 @@
 
 #include "Driving.h"
 #include "Appearance.h"
+#include "FolderPage.h"
 #include "IconChanges.h"
 #include "Installed.h"
 #include "Navigation.h"
@@ -594,6 +598,14 @@ int UninstallWithDataRun(const std::string& resultPath, const std::string& scree
   return result.Finish();
 }
 
+int FolderPageRun(const std::string& resultPath, const std::string& screenshotFolder,
+                  const std::string& prefix) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunFolderPage(OwnFolder() + "quorvane.exe", screenshotFolder, prefix, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -647,6 +659,7 @@ int main(int argc, char** argv) {
   }
   if (command == "installed" && argc == 6) return InstalledRun(argv[2], argv[3], argv[4], argv[5]);
   if (command == "uninstall-with-data" && argc == 4) return UninstallWithDataRun(argv[2], argv[3]);
+  if (command == "folder-page" && argc == 5) return FolderPageRun(argv[2], argv[3], argv[4]);
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));

@@ -59,6 +59,48 @@ TEST(TreeViewTest, KeysAreUniqueAndParentsMustExist) {
   EXPECT_THROW(tree.Add("orphan", 1, 1, "o", 9), Failure);
 }
 
+TEST(TreeViewTest, RemovingANodeTakesItsDescendantsAndMovesTheLaterNodesUp) {
+  TreeView tree("Tree");
+  tree.Add("root", 1, 1);                 // 1
+  tree.Add("a", 1, 1, "", 1);             // 2
+  tree.Add("b", 1, 1, "", 1);             // 3
+  tree.Add("a1", 1, 1, "", 2);            // 4
+  tree.Add("b1", 1, 1, "", 3);            // 5
+  tree.Add("a1x", 1, 1, "", 4);           // 6
+  tree.Select(5);
+  tree.Remove(2);
+  EXPECT_EQ(tree.Removed(), (std::vector<std::int32_t>{2, 4, 6}));
+  ASSERT_EQ(tree.Count(), 3);
+  EXPECT_EQ(tree.Item(2).Text, "b");
+  EXPECT_EQ(tree.Item(3).Text, "b1");
+  EXPECT_EQ(tree.Item(3).Parent, 2);
+  EXPECT_EQ(tree.SelectedItem(), 3);
+  tree.Remove(3);
+  EXPECT_EQ(tree.SelectedItem(), 0);
+  EXPECT_THROW(tree.Remove(7), Failure);
+  tree.Clear();
+  EXPECT_TRUE(tree.Removed().empty());
+}
+
+TEST(TreeViewTest, ChildrenShowAsAddedOrByTextUnderASortedNode) {
+  TreeView tree("Tree");
+  tree.Add("root", 1, 1);
+  tree.Add("zeta", 1, 1, "", 1);
+  tree.Add("Alpha", 1, 1, "", 1);
+  tree.Add("beta", 1, 1, "", 1);
+  tree.Add("top", 1, 1);
+  EXPECT_EQ(tree.Children(0), (std::vector<std::int32_t>{1, 5}));
+  EXPECT_EQ(tree.Children(1), (std::vector<std::int32_t>{2, 3, 4}));
+  EXPECT_EQ(tree.FirstChild(1), 2);
+  tree.Item(1).Sorted = true;
+  EXPECT_EQ(tree.Children(1), (std::vector<std::int32_t>{3, 4, 2}));
+  EXPECT_EQ(tree.FirstChild(1), 3);
+  EXPECT_EQ(tree.FirstChild(2), 0);
+  EXPECT_EQ(tree.FullPath(4), "root\\beta");
+  EXPECT_EQ(tree.FullPath(5), "top");
+  EXPECT_THROW(tree.FullPath(9), Failure);
+}
+
 TEST(FocusTest, SetFocusMakesTheControlActiveAndTellsTheBinding) {
   Form form("FrmTest");
   TreeView tree(form, "TvTest");

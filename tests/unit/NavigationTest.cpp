@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/Failure.h"
 #include "core/FrmMain.h"
 #include "platform/Service.h"
 #include "platform/portable/PortableMessageBoxes.h"
@@ -26,6 +27,8 @@ class NavigationTest : public ::testing::Test {
  protected:
   void SetUp() override {
     for (std::int32_t n = 100; n <= 160; ++n) pictures_.Put(n, Numbered(n));
+    // The folder tree as the load routine leaves it: its root at least.
+    form_.Tree.Add("My Computer", 1, 1);
   }
   int Loads(std::int32_t n) const { return pictures_.Loads(n); }
 
@@ -78,6 +81,28 @@ TEST_F(NavigationTest, EveryPageByItsCommand) {
     EXPECT_EQ(form_.CmdDefault.Enabled(), row.defaults);
     EXPECT_EQ(form_.CmdApply.Enabled(), row.apply);
   }
+}
+
+TEST_F(NavigationTest, TheAppearancePageSelectsAndOpensTheFolderTreesFirstNode) {
+  form_.Tree.Add("Local Disk (C:)", 2, 2, "", 1);
+  form_.CmdMenu[1].Click();
+  EXPECT_EQ(form_.Tree.SelectedItem(), 0);
+  EXPECT_FALSE(form_.Tree.Item(1).Expanded);
+  form_.CmdMenu[2].Click();
+  EXPECT_EQ(form_.Tree.SelectedItem(), 1);
+  EXPECT_TRUE(form_.Tree.Item(1).Expanded);
+}
+
+TEST_F(NavigationTest, TheAppearancePageFailsOnAnEmptyFolderTreeAfterShowingItself) {
+  form_.Tree.Clear();
+  try {
+    form_.CmdMenu[2].Click();
+    FAIL() << "no failure";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.Number(), FailureNumber::InvalidProcedureCall);
+  }
+  EXPECT_TRUE(form_.PBAppearance.Visible());
+  EXPECT_EQ(form_.Tree.SelectedItem(), 0);
 }
 
 TEST_F(NavigationTest, TheTextsLetterForLetter) {

@@ -12,8 +12,11 @@
 // XOR with the colours) or blended through the alpha channel exactly as the platform rounds,
 // and copied back.
 //
-// There is no system image list: SHGetFileInfoA resolves no path, and the image list calls
-// fail. The icon picker answers from a queue that tests fill, and every call is written down.
+// The system image list holds three icons drawn by this adapter: a document (number 0), a
+// folder (3) and an open folder (4), at 16 and at 32 pixels in a small and a large list.
+// SHGetFileInfoA resolves a path that exists on the host to one of them; any other path
+// resolves to nothing. The icon picker answers from a queue that tests fill, and every call is
+// written down.
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -48,6 +51,8 @@ bool IsIconFile(std::span<const std::uint8_t> bytes);
 // when the bytes are no icon file or no entry of it can be decoded.
 std::optional<IconPicture> ReadIconPicture(std::span<const std::uint8_t> bytes,
                                            std::int32_t size);
+// Icon `index` of the system image list (0 a document, 3 a folder, 4 an open folder) at `size`.
+IconPicture SystemIconPicture(std::int32_t index, std::int32_t size);
 // A picture at another size, each pixel taken from the source pixel it falls on.
 IconPicture ScalePicture(const IconPicture& picture, std::int32_t width, std::int32_t height);
 

@@ -14,6 +14,7 @@
 #include "platform/CodePages.h"
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
+#include "platform/Drives.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"
 #include "platform/Icons.h"
@@ -40,6 +41,7 @@
 #include "platform/portable/PortableClock.h"
 #include "platform/portable/PortableCodePages.h"
 #include "platform/portable/PortableDeviceContexts.h"
+#include "platform/portable/PortableDrives.h"
 #include "platform/portable/PortableEventLoop.h"
 #include "platform/portable/PortableFileSystem.h"
 #include "platform/portable/PortableIcons.h"
@@ -94,6 +96,7 @@ class PortablePlatform {
   PortableMenus& Menus() { return menus_.Get(); }
   PortableCodePages& CodePages() { return codePages_.Get(); }
   PortablePageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
+  PortableDrives& Drives() { return drives_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -120,6 +123,7 @@ class PortablePlatform {
   Installed<platform::Menus, PortableMenus> menus_;
   Installed<platform::CodePages, PortableCodePages> codePages_;
   Installed<platform::PageBackgrounds, PortablePageBackgrounds> pageBackgrounds_;
+  Installed<platform::Drives, PortableDrives> drives_;
 };
 
 }  // namespace quorvane::platform::portable

@@ -79,15 +79,18 @@ std::uint32_t Win32Icons::SHGetFileInfoA(const char* path, std::uint32_t attribu
   native.dwAttributes = info.dwAttributes;
   CopyText(native.szDisplayName, info.szDisplayName);
   CopyText(native.szTypeName, info.szTypeName);
-  const DWORD_PTR result = ::SHGetFileInfoA(path, attributes, &native, sizeof native, flags);
+  // A query of the system image list gives the list, whatever else it asks for: the shell
+  // answers the executable type alone when that flag comes with any other, so it is left out
+  // of such a query.
+  const std::uint32_t asked =
+      (flags & icons::kShgfiSysIconIndex) != 0 ? flags & ~icons::kShgfiExeType : flags;
+  const DWORD_PTR result = ::SHGetFileInfoA(path, attributes, &native, sizeof native, asked);
   info.hIcon = FromNative(native.hIcon);
   info.iIcon = native.iIcon;
   info.dwAttributes = native.dwAttributes;
   CopyText(info.szDisplayName, native.szDisplayName);
   CopyText(info.szTypeName, native.szTypeName);
-  if ((flags & icons::kShgfiSysIconIndex) != 0 && (flags & icons::kShgfiExeType) == 0) {
-    return ListHandle(reinterpret_cast<void*>(result));
-  }
+  if ((flags & icons::kShgfiSysIconIndex) != 0) return ListHandle(reinterpret_cast<void*>(result));
   return static_cast<std::uint32_t>(result);
 }
 

@@ -15,6 +15,7 @@
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
 #include "platform/FileSystem.h"
+#include "platform/Drives.h"
 #include "platform/Icons.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
@@ -38,6 +39,7 @@
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
 #include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Drives.h"
 #include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Notification.h"
@@ -83,6 +85,7 @@ class Win32Platform {
   Win32WindowActions& WindowActions() { return windowActions_.Get(); }
   Win32CodePages& CodePages() { return codePages_.Get(); }
   Win32PageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
+  Win32Drives& Drives() { return drives_.Get(); }
 
  private:
   Installed<platform::Process, Win32Process> process_;
@@ -107,6 +110,7 @@ class Win32Platform {
   Installed<platform::WindowActions, Win32WindowActions> windowActions_;
   Installed<platform::CodePages, Win32CodePages> codePages_;
   Installed<platform::PageBackgrounds, Win32PageBackgrounds> pageBackgrounds_;
+  Installed<platform::Drives, Win32Drives> drives_;
 };
 
 }  // namespace quorvane::platform::win32

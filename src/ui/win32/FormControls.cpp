@@ -433,6 +433,11 @@ void FormWindow::AddTreeItem(BoundControl& bound, const Node& node, TVITEMA item
     insert.hParent = bound.items[static_cast<std::size_t>(node.Parent) - 1];
   }
   insert.hInsertAfter = TVI_LAST;
+  // Under a sorted node the tree view puts the child in its place by text.
+  const auto& tree = static_cast<const TreeView&>(*bound.control);
+  if (node.Parent > 0 && node.Parent <= tree.Count() && tree.Item(node.Parent).Sorted) {
+    insert.hInsertAfter = TVI_SORT;
+  }
   std::string text = node.Text;
   insert.item = item;
   insert.item.mask |= TVIF_TEXT | TVIF_PARAM;
@@ -440,6 +445,32 @@ void FormWindow::AddTreeItem(BoundControl& bound, const Node& node, TVITEMA item
   insert.item.lParam = static_cast<LPARAM>(bound.items.size()) + 1;  // the node's position
   bound.items.push_back(reinterpret_cast<HTREEITEM>(
       ::SendMessageA(bound.window, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert))));
+}
+
+bool FormWindow::RemoveTreeItems(BoundControl& bound) {
+  const auto& tree = static_cast<const TreeView&>(*bound.control);
+  const std::vector<std::int32_t>& removed = tree.Removed();
+  if (removed.empty() || bound.items.size() != static_cast<std::size_t>(tree.Count()) + removed.size() ||
+      static_cast<std::size_t>(removed.back()) > bound.items.size()) {
+    return false;
+  }
+  // The first node removed takes the nodes below it out of the tree view with it.
+  ::SendMessageA(bound.window, TVM_DELETEITEM, 0,
+                 reinterpret_cast<LPARAM>(bound.items[static_cast<std::size_t>(removed.front()) - 1]));
+  for (auto it = removed.rbegin(); it != removed.rend(); ++it) {
+    const auto at = static_cast<std::ptrdiff_t>(*it) - 1;
+    bound.items.erase(bound.items.begin() + at);
+    if (static_cast<std::size_t>(at) < bound.mirror.size()) bound.mirror.erase(bound.mirror.begin() + at);
+  }
+  // The items after the gap learn their new positions.
+  for (std::size_t i = static_cast<std::size_t>(removed.front()) - 1; i < bound.items.size(); ++i) {
+    TVITEMA change{};
+    change.mask = TVIF_HANDLE | TVIF_PARAM;
+    change.hItem = bound.items[i];
+    change.lParam = static_cast<LPARAM>(i) + 1;
+    ::SendMessageA(bound.window, TVM_SETITEMA, 0, reinterpret_cast<LPARAM>(&change));
+  }
+  return true;
 }
 
 void FormWindow::ShowSelectedNode(const BoundControl& bound, std::int32_t selected) {

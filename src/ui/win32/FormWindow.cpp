@@ -1173,7 +1173,7 @@ void FormWindow::ApplyNodes(BoundControl& record) {
   auto& tree = static_cast<TreeView&>(*bound.control);
   const auto count = static_cast<std::size_t>(tree.Count());
   Applying applying(*this);
-  if (count < bound.items.size()) {
+  if (count < bound.items.size() && !RemoveTreeItems(bound)) {
     ClearTree(bound);
     bound.mirror.clear();
   }
@@ -1340,6 +1340,17 @@ void FormWindow::TreeNotification(BoundControl& record, const NMHDR& header, LPA
       // A mouse click runs Click through NM_CLICK; the keyboard has no other way.
       if (FollowTreeSelection(bound, lParam) == TVC_BYKEYBOARD) Run(tree.Click);
       break;
+    case TVN_ITEMEXPANDINGA:
+    case TVN_ITEMEXPANDINGW: {
+      // The user opens a node: its routine may fill it before its children show.
+      if (IsApplying() || !tree.Expand) break;
+      const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);
+      if ((change.action & TVE_EXPAND) == 0) break;
+      const std::int32_t position = PositionOfItem(bound, change.itemNew.hItem);
+      if (position == 0 || position > tree.Count()) break;
+      Run([&] { tree.Expand(position); });
+      break;
+    }
     case TVN_ITEMEXPANDEDA:
     case TVN_ITEMEXPANDEDW: {
       const auto& change = *reinterpret_cast<const NMTREEVIEWA*>(lParam);

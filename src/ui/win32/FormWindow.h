@@ -386,6 +386,9 @@ class FormWindow final : private ControlObserver, private FormObserver {
   // Tree views.
   // Deletes every item of the tree.
   void ClearTree(BoundControl& bound);
+  // Takes the nodes the tree's last Remove took away out of the tree view; false when the
+  // items don't match that removal, and the tree must be shown anew.
+  bool RemoveTreeItems(BoundControl& bound);
   // Adds the item of the next node, `node`, under its parent's item: `item` says what it shows
   // besides its text.
   void AddTreeItem(BoundControl& bound, const Node& node, TVITEMA item);

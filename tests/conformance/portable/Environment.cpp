@@ -27,6 +27,8 @@ class PortableEnvironment : public ::testing::Environment {
  public:
   void SetUp() override {
     platform_.emplace();
+    // The host's file system is drive C, as the temporary folder is on drive C under Windows.
+    platform_->Drives().Mount('C', "/", "");
     // The forms port, installed beside the platform.
     forms_.emplace();
   }
