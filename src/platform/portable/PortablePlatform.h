@@ -15,7 +15,9 @@
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
+#include "platform/FileDialogs.h"
 #include "platform/FileSystem.h"
+#include "platform/FileTypes.h"
 #include "platform/Icons.h"
 #include "platform/Menus.h"
 #include "platform/MessageBoxes.h"
@@ -41,7 +43,9 @@
 #include "platform/portable/PortableCodePages.h"
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableEventLoop.h"
+#include "platform/portable/PortableFileDialogs.h"
 #include "platform/portable/PortableFileSystem.h"
+#include "platform/portable/PortableFileTypes.h"
 #include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableMenus.h"
 #include "platform/portable/PortableMessageBoxes.h"
@@ -94,6 +98,8 @@ class PortablePlatform {
   PortableMenus& Menus() { return menus_.Get(); }
   PortableCodePages& CodePages() { return codePages_.Get(); }
   PortablePageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
+  PortableFileDialogs& FileDialogs() { return fileDialogs_.Get(); }
+  PortableFileTypes& FileTypes() { return fileTypes_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -120,6 +126,8 @@ class PortablePlatform {
   Installed<platform::Menus, PortableMenus> menus_;
   Installed<platform::CodePages, PortableCodePages> codePages_;
   Installed<platform::PageBackgrounds, PortablePageBackgrounds> pageBackgrounds_;
+  Installed<platform::FileDialogs, PortableFileDialogs> fileDialogs_;
+  Installed<platform::FileTypes, PortableFileTypes> fileTypes_;
 };
 
 }  // namespace quorvane::platform::portable
