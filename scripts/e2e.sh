@@ -17,7 +17,8 @@
 # and the pointer, the notification, "Change Wallpaper" and "Exit"; and the tray menu once more
 # at a display scaling of 150 %. The pictures are those of Debian's ukui-wallpapers
 # (scripts/setup.sh installs it); without them the wallpaper runs fail, saying so. Last, the slide
-# show of a collection packed from Debian's mate-backgrounds, driven by hand and by its timer. One
+# show of a collection packed from Debian's mate-backgrounds, driven by hand and by its timer; and
+# the collection editor making and changing a collection of such pictures (scripts/e2e-editor.sh). One
 # screenshot per run and case goes to build/screenshots/. Ends with "N passed, M failed"; the exit
 # status is non-zero when a case failed or could not run.
 #
@@ -332,6 +333,9 @@ slideshow_run() {
 }
 echo "== end to end: the slide show of a collection"
 slideshow_run
+source scripts/e2e-editor.sh
+echo "== end to end: the collection editor"
+editor_run
 
 for bmp in "$shots"/e2e-*.bmp; do
   [ -f "$bmp" ] || continue

@@ -21,7 +21,7 @@ constexpr ui::ControlLayout kControls[] = {
     {"CmdAddFile",          nullptr,    240,  5055, 1200, 375,   "Add"},
     {"CmdRemoveFile",       nullptr,    1560, 5055, 1200, 375,   "Remove"},
     {"Label3",              nullptr,    6360, 1320, 2400, 435,   "Preview : Double click to view full screen"},
-    {.name = "picSlide", .left = 6360, .top = 1800, .width = 2400, .height = 1920,
+    {.name = "picSlide", .left = 6360, .top = 1800, .width = 2400, .height = 1560,
      .backColor = kWhite},
     {.name = "optThumb(0)", .container = "picSlide", .left = 60, .top = 60, .width = 2280,
      .height = 1440, .caption = "", .backColor = kWhite},

@@ -57,6 +57,7 @@
 #include "Navigation.h"
 #include "RealWindow.h"
 #include "Registry.h"
+#include "CollectionEditor.h"
 #include "Settings.h"
 #include "SlideShow.h"
 #include "Tray.h"
@@ -570,6 +571,15 @@ int WallpaperPageRun(const std::string& resultPath, const std::string& screensho
   return result.Finish();
 }
 
+int CollectionEditorRun(const std::string& resultPath, const std::string& screenshotFolder,
+                        const std::string& manifest, const std::string& archiveCopies) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunCollectionEditor(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, archiveCopies,
+                      result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -620,6 +630,9 @@ int main(int argc, char** argv) {
   if (command == "tray-menu" && argc == 5) return TrayMenuRun(argv[2], argv[3], argv[4]);
   if (command == "wallpaper-page" && argc == 6) {
     return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
+  }
+  if (command == "collection-editor" && argc == 6) {
+    return CollectionEditorRun(argv[2], argv[3], argv[4], argv[5]);
   }
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));

@@ -1,0 +1,62 @@
+# The collection editor's end-to-end run, sourced by scripts/e2e.sh (which gives it `drive`,
+# `report`, $bin, $work and $shots_w). The pictures are four JPEGs of one folder of Debian's
+# mate-backgrounds (scripts/setup.sh installs it), chosen in the platform's own open dialog by the
+# driver as a person chooses them. The archive is copied by the driver after the creation and
+# after the change; each copy must list, with cabextract, exactly the pictures the driver says.
+# What the data folder held of the run's names is put back afterwards.
+editor_run() {
+  local nature=/usr/share/backgrounds/mate/nature
+  local -a pictures
+  mapfile -t pictures < <(ls -S -r "$nature"/*.jpg 2>/dev/null | head -4)
+  if [ ${#pictures[@]} -lt 4 ]; then
+    report+="FAIL collection editor: fewer than four JPEGs in $nature: run \`make setup\`"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  fi
+  local manifest="$work/editor-manifest.txt" copies="$work/editor-archives"
+  local kept="$work/editor-kept" folder_w picture name
+  folder_w="$(winepath -w "$nature" 2>/dev/null)"
+  : >"$manifest"
+  for picture in "${pictures[@]}"; do
+    printf '%s\t%s\n' "$folder_w" "$(basename "$picture")" >>"$manifest"
+  done
+  rm -rf "$copies" "$kept"
+  mkdir -p "$copies" "$kept"
+  local appdata data_w data_u
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+    report+="FAIL collection editor: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
+    return 0
+  fi
+  mkdir -p "$data_u"
+  for name in "Debian Pictures" "Debian Pictures.RXS" "Already Unpacked" "Already Unpacked.RXS"; do
+    [ -e "$data_u/$name" ] && mv "$data_u/$name" "$kept/"
+  done
+  drive "$work/collection-editor.txt" collection-editor "$shots_w" \
+    "$(winepath -w "$manifest" 2>/dev/null)" "$(winepath -w "$copies" 2>/dev/null)"
+  # The archives as cabextract lists them, against the pictures the driver chose.
+  local copy listed wanted passed=0 failed=0 lines=""
+  for copy in created modified; do
+    if [ ! -f "$copies/$copy.RXS" ] || [ ! -f "$copies/$copy.txt" ]; then
+      lines+="FAIL collection editor: the $copy archive was not kept"$'\n'
+      failed=$((failed + 1))
+      continue
+    fi
+    listed="$(cabextract -l "$copies/$copy.RXS" 2>/dev/null | awk -F' [|] ' 'NF == 3 && $1 ~ /[0-9]/ {print $3}' | LC_ALL=C sort)"
+    wanted="$(tr -d '\r' <"$copies/$copy.txt" | LC_ALL=C sort)"
+    if [ -n "$wanted" ] && [ "$listed" = "$wanted" ]; then
+      lines+="ok   collection editor: cabextract lists the $copy archive's pictures ($(echo $listed))"$'\n'
+      passed=$((passed + 1))
+    else
+      lines+="FAIL collection editor: cabextract lists ($(echo $listed)) in the $copy archive, not ($(echo $wanted))"$'\n'
+      failed=$((failed + 1))
+    fi
+  done
+  report+="$lines$passed passed, $failed failed"$'\n'
+  for name in "Debian Pictures" "Debian Pictures.RXS" "Already Unpacked" "Already Unpacked.RXS"; do
+    rm -rf "${data_u:?}/$name"
+    [ -e "$kept/$name" ] && mv "$kept/$name" "$data_u/"
+  done
+  rm -rf "$kept"
+}
