@@ -83,7 +83,7 @@ TEST_F(FileTypesConformance, TheNameIsWhatTheShellItselfSays) {
   }
 }
 
-TEST_F(FileTypesConformance, ARegisteredClassGivesItsOwnName) {
+TEST_F(FileTypesConformance, ARegisteredClassIsSeenAsTheShellSeesIt) {
   // An extension among the classes naming a class whose default value is the type's name, as
   // the shell reads it; taken away again afterwards.
   const char kExtension[] = ".qvzzreg";
