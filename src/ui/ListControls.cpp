@@ -63,7 +63,9 @@ void ListView::Remove(std::int32_t position) {
   Item(position);
   items_.erase(items_.begin() + (position - 1));
   if (selected_ == position) {
-    selected_ = 0;
+    // The focus goes to the item that takes the removed one's place, or at the end to the one
+    // before it, as the platform's list moves it.
+    selected_ = std::min(position, Count());
   } else if (selected_ > position) {
     --selected_;
   }

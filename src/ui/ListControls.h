@@ -41,7 +41,9 @@ struct ListItem {
 // A list view in report style: one row an item, the item's text in the first column and its
 // sub-items in the others. Items are reached by position from 1, in the order they stand.
 // With MultiSelect several items may be selected at once; otherwise selecting one clears the
-// others. SelectedItem is the item last selected (the platform's focused item), 0 for none.
+// others. SelectedItem is the item that has the focus: the one last selected, and when that one
+// is removed the one that takes its place (at the end, the one before it); 0 for none. It need
+// not be selected itself.
 class ListView : public Control {
  public:
   using Control::Control;
@@ -63,7 +65,7 @@ class ListView : public Control {
 
   // Selects or deselects an item from code; runs no handler.
   void Select(std::int32_t position, bool selected = true);
-  // The item last selected that still is, 0 when none is.
+  // The item with the focus, 0 when none has it.
   std::int32_t SelectedItem() const { return selected_; }
   // The list's own search by item text: the first item whose text equals `text` without regard
   // to case, as the platform compares; 0 when there is none.

@@ -93,6 +93,7 @@ FrmWallpaperCreateCollection::FrmWallpaperCreateCollection() : ui::Form("FrmWall
   ui::ApplyLayout(*this, kFrmWallpaperCreateCollectionLayout);
   picSlide.BackColor = 0xFFFFFF;
   optThumb[0].BackColor(0xFFFFFF);
+  optThumb[0].ToolTipText = kPreviewTip;
   picLoad.AutoRedraw(true);
   picThumb.AutoRedraw(true);
 

@@ -68,7 +68,7 @@ class FrmWallpaperCreateCollection : public ui::Form {
   ui::PictureBox picThumb{*this, "picThumb"};
   CommonDialog CommonDialog1;
 
-  // The preview's tool tip.
+  // The preview's tool tip (optThumb(0)'s ToolTipText).
   static constexpr const char* kPreviewTip = "Double click to Browse";
 
   // --- routines -------------------------------------------------------------------------------

@@ -395,6 +395,13 @@ class EditorRun {
       return sheet != nullptr && ::IsWindowVisible(sheet) != 0;
     });
     verdict.Check(previewed, "the preview did not show");
+    // The preview's tip: a tip window of the editor's, with one tool.
+    HWND tip = nullptr;
+    while ((tip = ::FindWindowExA(nullptr, tip, TOOLTIPS_CLASSA, nullptr)) != nullptr) {
+      if (::GetWindow(tip, GW_OWNER) == editor) break;
+    }
+    verdict.Check(tip != nullptr && ::SendMessageA(tip, TTM_GETTOOLCOUNT, 0, 0) == 1,
+                  "the preview has no tool tip");
     ::Sleep(500);
     SaveShot(verdict, shots_, "e2e-editor-list");
     // The second row removed.

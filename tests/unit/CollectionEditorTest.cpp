@@ -295,9 +295,10 @@ TEST_F(CollectionEditorTest, RemoveTakesEverySelectedItemFromTheLastToTheFirst) 
   form.CmdRemoveFile_Click();
   EXPECT_EQ(Texts(form.LvFileList),
             (std::vector<std::string>{Folder() + "\\a.jpg", Folder() + "\\c.jpg"}));
-  // Nothing is selected after: the preview is left as it was.
-  EXPECT_EQ(form.LvFileList.SelectedItem(), 0);
-  EXPECT_EQ(form.optThumb[0].Tag(), "");
+  // The focus went from d to c, which took no selection: the preview shows c.
+  EXPECT_EQ(form.LvFileList.SelectedItem(), 2);
+  EXPECT_FALSE(form.LvFileList.Item(2).Selected);
+  EXPECT_EQ(form.optThumb[0].Tag(), Folder() + "\\c.jpg");
 }
 
 TEST_F(CollectionEditorTest, RemovingAllItemsClearsThePreview) {
@@ -507,7 +508,7 @@ TEST_F(CollectionEditorTest, TheLayoutHasEveryControlAndCaption) {
   EXPECT_EQ(form.LvFileList.ColumnHeaders[0].Text, "Selected File Name");
   EXPECT_EQ(form.LvFileList.ColumnHeaders[1].Text, "File Extension");
   EXPECT_EQ(form.LvFileList.ColumnHeaders[2].Text, "File Size");
-  EXPECT_EQ(std::string(FrmWallpaperCreateCollection::kPreviewTip), "Double click to Browse");
+  EXPECT_EQ(form.optThumb[0].ToolTipText, "Double click to Browse");
   EXPECT_EQ(form.optThumb[0].Container, &form.picSlide);
   EXPECT_FALSE(form.picLoad.Visible());
   EXPECT_FALSE(form.picThumb.Visible());
@@ -664,12 +665,16 @@ TEST(ListViewTest, ItemsSubItemsSelectionAndRemoval) {
   list.Select(1);
   EXPECT_EQ(list.SelectedItem(), 1);
   list.Remove(1);
-  EXPECT_EQ(list.SelectedItem(), 0);
+  EXPECT_EQ(list.SelectedItem(), 1) << "the focus goes to the item in the removed one's place";
   EXPECT_EQ(list.Item(1).Text, "two");
+  EXPECT_FALSE(list.Item(1).Selected);
   EXPECT_TRUE(list.Item(2).Selected);
   list.Select(2);
   list.Remove(1);
-  EXPECT_EQ(list.SelectedItem(), 1) << "the selected item moved up";
+  EXPECT_EQ(list.SelectedItem(), 1) << "the focused item moved up";
+  list.Remove(1);
+  EXPECT_EQ(list.SelectedItem(), 0) << "none left";
+  list.Add("three");
   EXPECT_THROW(list.Item(2), Failure);
   EXPECT_THROW(list.Remove(0), Failure);
   EXPECT_EQ(list.FindItem("THREE"), 1);

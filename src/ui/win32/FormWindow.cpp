@@ -402,6 +402,7 @@ void FormWindow::MakeWindow(BoundControl& record) {
     ApplyImages(bound);
     ApplyNodes(bound);
   }
+  if (!control.ToolTipText.empty()) GiveToolTip(bound);
   ApplyValue(bound);
   ApplyEnabled(bound);
 }

@@ -238,6 +238,8 @@ class FormWindow final : private ControlObserver, private FormObserver {
   void MakeTextWindow(BoundControl& bound);
   void ApplyText(BoundControl& bound);
   void TextEdited(BoundControl& bound);
+  // A tip window for a control with a ToolTipText, owned by the form's window.
+  void GiveToolTip(BoundControl& bound);
   // Caption widths measured in the captions' face, for the model.
   static void InstallCaptionMeasure();
 

@@ -191,4 +191,23 @@ void FormWindow::TextEdited(BoundControl& bound) {
   if (typed != box.Text()) Run([&] { box.Text(typed); });
 }
 
+// --- tool tips ----------------------------------------------------------------------------------
+
+void FormWindow::GiveToolTip(BoundControl& bound) {
+  // The tip window belongs to the form's window and goes with it.
+  HWND tip = ::CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                               WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
+                               CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, window_, nullptr,
+                               instance_, nullptr);
+  if (tip == nullptr) return;
+  std::string text = bound.control->ToolTipText;
+  TTTOOLINFOA tool{};
+  tool.cbSize = sizeof tool;
+  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.hwnd = window_;
+  tool.uId = reinterpret_cast<UINT_PTR>(bound.window);
+  tool.lpszText = text.data();
+  ::SendMessageA(tip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
 }  // namespace quorvane::ui::win32
