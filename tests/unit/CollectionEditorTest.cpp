@@ -651,6 +651,35 @@ TEST_F(CollectionCommandsTest, RenamingWhileModifyingFailsAtTheDeleteAndLosesNot
   EXPECT_EQ(Entries("Sea"), (std::vector<std::string>{"bay.jpg"}));
 }
 
+TEST_F(CollectionCommandsTest, TheRenamingsFailureReachesTheTopLevelReportAndTheDialogStays) {
+  Pack("Sea", {"bay.jpg"});
+  main_.RefreshCollections();
+  SelectNode("Sea");
+  core::InstallTopLevelReport();
+  struct Restore {
+    ~Restore() { ui::InstallEventRunner(nullptr); }
+  } restore;
+  bool stayed = false;
+  services_.forms.Queue<FrmWallpaperCreateCollection>([&](FrmWallpaperCreateCollection& shown) {
+    shown.TxtCollectionName.Text("Ocean");
+    // The press of OK, as the dialog's window runs it.
+    ui::RunEvent(shown, shown.CmdOK.Click);
+    stayed = shown.Loaded();
+  });
+  main_.CmdWallpaperControl[1].Click();
+  EXPECT_TRUE(stayed);
+  ASSERT_EQ(services_.boxes.Boxes().size(), 1u);
+  EXPECT_NE(services_.boxes.Boxes()[0].prompt.find("Ocean.RXS"), std::string::npos)
+      << services_.boxes.Boxes()[0].prompt;
+  const std::string log = testing::ReadFile(core::gDataFolder + "Quorvane.log");
+  EXPECT_NE(log.find("FrmWallpaperCreateCollection"), std::string::npos) << log;
+  // Nothing lost: the old archive is whole, no new one was made, and the node click after the
+  // dialog removed the unpacked folder.
+  EXPECT_EQ(Entries("Sea"), (std::vector<std::string>{"bay.jpg"}));
+  EXPECT_FALSE(fs::exists(scratch_ / "data" / "Ocean.RXS"));
+  EXPECT_FALSE(fs::exists(scratch_ / "data" / "Sea"));
+}
+
 // --- the control kinds --------------------------------------------------------------------------
 
 TEST(ListViewTest, ItemsSubItemsSelectionAndRemoval) {
