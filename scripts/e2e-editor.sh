@@ -3,6 +3,8 @@
 # mate-backgrounds (scripts/setup.sh installs it), chosen in the platform's own open dialog by the
 # driver as a person chooses them. The archive is copied by the driver after the creation and
 # after the change; each copy must list, with cabextract, exactly the pictures the driver says.
+# A bitmap made from one of them is opened from the preview by a double click, with the driver
+# registered as the viewer of bitmaps for the run.
 # What the data folder held of the run's names is put back afterwards.
 editor_run() {
   local nature=/usr/share/backgrounds/mate/nature
@@ -33,8 +35,25 @@ editor_run() {
   for name in "Debian Pictures" "Debian Pictures.RXS" "Already Unpacked" "Already Unpacked.RXS"; do
     [ -e "$data_u/$name" ] && mv "$data_u/$name" "$kept/"
   done
+  # The preview's double click: a bitmap made from the first picture, and the driver itself
+  # standing in as the viewer of bitmaps while the run lasts (the old association put back).
+  local viewed="$work/editor-viewed" record="$work/editor-viewer.txt" driver_w record_w
+  rm -rf "$viewed" "$record"
+  mkdir -p "$viewed"
+  "$magick" "${pictures[0]}" -resize '320x200!' -alpha off -type TrueColor "BMP3:$viewed/Preview.bmp"
+  driver_w="$(winepath -w "$bin/e2e_driver.exe" 2>/dev/null)"
+  record_w="$(winepath -w "$record" 2>/dev/null)"
+  wine reg export 'HKCR\.bmp' "$work/editor-bmp.reg" /y >/dev/null 2>&1 </dev/null || rm -f "$work/editor-bmp.reg"
+  wine reg add 'HKCR\.bmp' /ve /d QuorvaneEditorViewer /f >/dev/null 2>&1 </dev/null
+  wine reg add 'HKCR\QuorvaneEditorViewer\shell\open\command' /ve \
+    /d "\"$driver_w\" viewer \"$record_w\" \"%1\"" /f >/dev/null 2>&1 </dev/null
   drive "$work/collection-editor.txt" collection-editor "$shots_w" \
-    "$(winepath -w "$manifest" 2>/dev/null)" "$(winepath -w "$copies" 2>/dev/null)"
+    "$(winepath -w "$manifest" 2>/dev/null)" "$(winepath -w "$copies" 2>/dev/null)" \
+    "$record_w" "$(winepath -w "$viewed/Preview.bmp" 2>/dev/null)"
+  wine reg delete 'HKCR\QuorvaneEditorViewer' /f >/dev/null 2>&1 </dev/null
+  wine reg delete 'HKCR\.bmp' /f >/dev/null 2>&1 </dev/null
+  [ -f "$work/editor-bmp.reg" ] && wine reg import "$work/editor-bmp.reg" >/dev/null 2>&1 </dev/null
+  rm -rf "$viewed" "$record" "$work/editor-bmp.reg"
   # The archives as cabextract lists them, against the pictures the driver chose.
   local copy listed wanted passed=0 failed=0 lines=""
   for copy in created modified; do

@@ -454,6 +454,51 @@ class EditorRun {
     return verdict;
   }
 
+  // A bitmap added alone, previewed, and its preview double-clicked: the viewer gets the listed
+  // file itself.
+  Verdict OpenFromPreview(const std::string& record, const std::string& viewed) {
+    Verdict verdict;
+    HWND editor = OpenEditor(verdict, 0);
+    if (editor == nullptr) return verdict;
+    const std::size_t slash = viewed.rfind('\\');
+    const Chosen bitmap{viewed.substr(0, slash), viewed.substr(slash + 1)};
+    if (AddThroughPicker(verdict, editor, {bitmap})) {
+      std::vector<std::vector<std::string>> rows;
+      if (ReadRows(verdict, editor, rows)) CheckRows(verdict, rows, {viewed});
+      HWND list = Control(editor, "LvFileList");
+      POINT at{};
+      if (verdict.Check(list != nullptr && RowCentre(list, 0, at), "the bitmap's row is missing")) {
+        ClickAt(at);
+      }
+      HWND preview = nullptr;
+      verdict.Check(WaitUntil(kWait, [&] {
+                      HWND sheet = Control(editor, "picSlide");
+                      preview = Control(editor, "optThumb(0)");
+                      return sheet != nullptr && ::IsWindowVisible(sheet) != 0 && preview != nullptr;
+                    }),
+                    "the bitmap's preview did not show");
+      ::DeleteFileA(record.c_str());
+      if (preview != nullptr) DoubleClickAt(Centre(ScreenRect(preview)));
+      std::string started;
+      const bool ran = WaitUntil(30000, [&] {
+        std::ifstream in(record);
+        return in && std::getline(in, started) && !started.empty();
+      });
+      while (!started.empty() && (started.back() == '\r' || started.back() == '\n')) {
+        started.pop_back();
+      }
+      if (verdict.Check(ran, "the double click started no viewer")) {
+        verdict.Check(::lstrcmpiA(started.c_str(), viewed.c_str()) == 0,
+                      "the viewer was started with " + started + ", not " + viewed);
+        verdict.Note("viewer started with " + started);
+      }
+    }
+    Click(editor, "CmdCancel");
+    verdict.Check(WaitUntil(kWait, [&] { return ::IsWindow(editor) == 0; }),
+                  "Cancel did not close the editor");
+    return verdict;
+  }
+
   Verdict Refusals() {
     Verdict verdict;
     HWND editor = OpenEditor(verdict, 0);
@@ -492,6 +537,7 @@ class EditorRun {
 
 void RunCollectionEditor(const std::string& program, const std::string& screenshotFolder,
                          const std::string& manifest, const std::string& archiveCopies,
+                         const std::string& viewerRecord, const std::string& viewed,
                          const Report& report) {
   std::vector<Chosen> chosen;
   if (!ReadManifest(manifest, chosen)) {
@@ -512,6 +558,8 @@ void RunCollectionEditor(const std::string& program, const std::string& screensh
   report("collection editor: a collection made from three pictures, one removed", created);
   if (created.Passed()) report("collection editor: the collection changed", run.Modify());
   report("collection editor: OK refused for a name, a list and a taken name", run.Refusals());
+  report("collection editor: the preview's double click opens the listed file itself",
+         run.OpenFromPreview(viewerRecord, viewed));
   report("collection editor: ends through Quorvane.Exit", EndThroughExit(main, child));
 }
 

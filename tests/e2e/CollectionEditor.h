@@ -15,9 +15,12 @@ namespace quorvane::e2e {
 // keeps screenshots e2e-editor-*.bmp in `screenshotFolder`, copies the archive as it is after
 // the creation and after the change to `archiveCopies`\created.RXS and \modified.RXS, and writes
 // the names each should hold to `archiveCopies`\created.txt and \modified.txt, for the script
-// to compare with what the archives list. Ends the program through "Quorvane.Exit".
+// to compare with what the archives list. `viewed` is a bitmap that is listed, previewed and
+// double-clicked; the viewer registered for bitmaps writes the path it was started with into
+// `viewerRecord`. Ends the program through "Quorvane.Exit".
 void RunCollectionEditor(const std::string& program, const std::string& screenshotFolder,
                          const std::string& manifest, const std::string& archiveCopies,
+                         const std::string& viewerRecord, const std::string& viewed,
                          const Report& report);
 
 }  // namespace quorvane::e2e

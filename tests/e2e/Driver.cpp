@@ -572,11 +572,12 @@ int WallpaperPageRun(const std::string& resultPath, const std::string& screensho
 }
 
 int CollectionEditorRun(const std::string& resultPath, const std::string& screenshotFolder,
-                        const std::string& manifest, const std::string& archiveCopies) {
+                        const std::string& manifest, const std::string& archiveCopies,
+                        const std::string& viewerRecord, const std::string& viewed) {
   ResultFile result(resultPath);
   if (!result.IsOpen()) return 2;
   RunCollectionEditor(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, archiveCopies,
-                      result.Cases());
+                      viewerRecord, viewed, result.Cases());
   return result.Finish();
 }
 
@@ -631,8 +632,8 @@ int main(int argc, char** argv) {
   if (command == "wallpaper-page" && argc == 6) {
     return WallpaperPageRun(argv[2], argv[3], argv[4], argv[5]);
   }
-  if (command == "collection-editor" && argc == 6) {
-    return CollectionEditorRun(argv[2], argv[3], argv[4], argv[5]);
+  if (command == "collection-editor" && argc == 8) {
+    return CollectionEditorRun(argv[2], argv[3], argv[4], argv[5], argv[6], argv[7]);
   }
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
