@@ -25,6 +25,10 @@
 #                                    drawn, with the program's memory, against ImageMagick's
 #                                    `convert -thumbnail 64x64` and `vipsthumbnail`, one process a
 #                                    picture, on the same files
+#   bash scripts/bench.sh editor     the collection editor's OK packing 60 of Debian's wallpapers
+#                                    into a new collection, on the real dialog under Wine in a
+#                                    virtual desktop on Xvfb, against `gcab -c -z` of the same
+#                                    files, natively, in the same run
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -333,6 +337,45 @@ bench_thumbnails() {
   rm -rf "$dir/src" "$dir/out"
 }
 
+bench_editor() {
+  install_missing "${wallpaper_packages[@]}"
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows -j "$(nproc)" --target win_editor >/dev/null
+  local dir="$root/build/bench/editor"
+  rm -rf "$dir"
+  mkdir -p "$dir/src" "$dir/Data"
+  # Sixty JPEGs in one flat folder, numbered in a fixed order, since several share a name.
+  local n=0 f
+  while IFS= read -r f; do
+    n=$((n + 1))
+    cp "$f" "$dir/src/$(printf '%03d' "$n")-$(basename "$f" | tr ' ' '_')"
+  done < <(find /usr/share/backgrounds /usr/share/wallpapers -type f -iname '*.jpg' 2>/dev/null | LC_ALL=C sort | head -n 60)
+  local bytes
+  bytes="$(cat "$dir/src"/* | wc -c)"
+  echo "== the collection editor's OK on $n JPEGs, $((bytes / 1000000)) MB, under Wine in a"
+  echo "   virtual desktop on Xvfb; $runs runs"
+  # The paths are the project's own prefix's, made (with its fonts) before they are translated.
+  wine_prepare
+  local figures data_w src_w
+  data_w="$(winepath -w "$dir/Data")"
+  src_w="$(winepath -w "$dir/src")"
+  figures="$(run_in_desktop editor win_editor.exe $(( runs * 100 + 600 )) "$data_w" "$src_w")"
+  wine_finish
+  printf '%s\n' "$figures" | grep -v '^median-ms'
+  echo "== gcab -c -z of the same files, natively; $runs runs"
+  (cd "$dir/src" && hyperfine --style basic --warmup 1 --runs "$runs" \
+    --prepare "rm -f '$dir/gcab.cab'" \
+    -n "gcab -c -z" "gcab -c -z '$dir/gcab.cab' *" \
+    --export-json "$dir/gcab.json")
+  local ours gcab
+  ours="$(printf '%s\n' "$figures" | awk '/^median-ms/ {print $2}')"
+  gcab="$(grep -o '"median": *[0-9.e+-]*' "$dir/gcab.json" | head -1 | awk -F': *' '{print $2 * 1000}')"
+  awk -v o="$ours" -v g="$gcab" -v b="$bytes" 'BEGIN {
+    printf "OK %.1f ms (%.0f MB/s), gcab -c -z %.1f ms (%.0f MB/s): gcab takes %.2f times as long\n",
+      o, b / o / 1000, g, b / g / 1000, g / o }'
+  rm -rf "$dir/src"
+}
+
 case "$what" in
   import) bench_import ;;
   resample) bench_resample ;;
@@ -342,6 +385,7 @@ case "$what" in
   folders) bench_folders ;;
   wallpaper) bench_wallpaper ;;
   thumbnails) bench_thumbnails ;;
-  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper; bench_thumbnails; bench_folders ;;
+  editor) bench_editor ;;
+  all) bench_resample; bench_import; bench_startup; bench_switch; bench_cabinet; bench_wallpaper; bench_thumbnails; bench_folders; bench_editor ;;
   *) echo "unknown benchmark: $what" >&2; exit 2 ;;
 esac

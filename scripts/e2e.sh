@@ -19,7 +19,8 @@
 # (scripts/setup.sh installs it); without them the wallpaper runs fail, saying so. Last, the slide
 # show of a collection packed from Debian's mate-backgrounds, driven by hand and by its timer; and
 # the folder page: folders made for the run opened in the tree, one given an icon through the
-# picker and taken back with Default. One
+# picker and taken back with Default; and the collection editor making and changing a collection
+# of such pictures (scripts/e2e-editor.sh). One
 # screenshot per run and case goes to build/screenshots/. Ends with "N passed, M failed"; the exit
 # status is non-zero when a case failed or could not run.
 #
@@ -334,6 +335,9 @@ slideshow_run() {
 }
 echo "== end to end: the slide show of a collection"
 slideshow_run
+source scripts/e2e-editor.sh
+echo "== end to end: the collection editor"
+editor_run
 
 echo "== end to end: the folder page (folders opened, Change through the picker, Default)"
 drive "$work/folder-page.txt" folder-page "$shots_w" e2e-folder-

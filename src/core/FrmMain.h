@@ -240,6 +240,10 @@ class FrmMain : public ui::Form {
   // predecessor key; and the third wallpaper command, the removal of the selected collection.
   void RefreshCollections();
   void CmdWallpaperControl_Click(std::int16_t Index);
+  // The first two wallpaper commands (FrmMainCollections.cpp): the collection editor shown modal
+  // to make a collection, and on the selected collection, unpacked and listed, to change it.
+  void CreateCollection();
+  void ModifyCollection();
   // The strip after the last collection is gone: optThumb(0) without picture, Tag or caption.
   void EmptyThumbnailStrip();
   // The strip (FrmMainStrip.cpp): a click on a collection's node unpacks it and fills the strip

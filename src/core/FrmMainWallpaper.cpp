@@ -43,7 +43,10 @@ void FrmMain::RefreshCollections() {
 }
 
 void FrmMain::CmdWallpaperControl_Click(std::int16_t Index) {
-  // Create (0) and modify (1) belong to the collection editor; this is the removal.
+  // Create (0) and modify (1) open the collection editor (FrmMainCollections.cpp); this is the
+  // removal.
+  if (Index == 0) return CreateCollection();
+  if (Index == 1) return ModifyCollection();
   if (Index != 2) return;
   auto& boxes = platform::Use<platform::MessageBoxes>();
   if (TvCollections.SelectedItem() == 0) {

@@ -95,6 +95,8 @@ class Control {
   // The control this one stands in (a picture box used as a page), or none for the form's own
   // surface. Positions are relative to it.
   Control* Container = nullptr;
+  // The tip shown while the pointer rests on the control; empty for none.
+  std::string ToolTipText;
   // The real window of the control, once a binding made one; 0 headless.
   std::uint32_t hWnd = 0;
 

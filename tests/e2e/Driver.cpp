@@ -70,6 +70,7 @@
 #include "Navigation.h"
 #include "RealWindow.h"
 #include "Registry.h"
+#include "CollectionEditor.h"
 #include "Settings.h"
 #include "SlideShow.h"
 #include "Tray.h"
@@ -606,6 +607,16 @@ int FolderPageRun(const std::string& resultPath, const std::string& screenshotFo
   return result.Finish();
 }
 
+int CollectionEditorRun(const std::string& resultPath, const std::string& screenshotFolder,
+                        const std::string& manifest, const std::string& archiveCopies,
+                        const std::string& viewerRecord, const std::string& viewed) {
+  ResultFile result(resultPath);
+  if (!result.IsOpen()) return 2;
+  RunCollectionEditor(OwnFolder() + "quorvane.exe", screenshotFolder, manifest, archiveCopies,
+                      viewerRecord, viewed, result.Cases());
+  return result.Finish();
+}
+
 DWORD Milliseconds(const char* seconds) {
   const long value = std::strtol(seconds, nullptr, 10);
   return value > 0 && value < 3600 ? static_cast<DWORD>(value) * 1000U : 10000U;
@@ -660,6 +671,9 @@ int main(int argc, char** argv) {
   if (command == "installed" && argc == 6) return InstalledRun(argv[2], argv[3], argv[4], argv[5]);
   if (command == "uninstall-with-data" && argc == 4) return UninstallWithDataRun(argv[2], argv[3]);
   if (command == "folder-page" && argc == 5) return FolderPageRun(argv[2], argv[3], argv[4]);
+  if (command == "collection-editor" && argc == 8) {
+    return CollectionEditorRun(argv[2], argv[3], argv[4], argv[5], argv[6], argv[7]);
+  }
   if (command == "viewer" && argc == 4) return RecordViewer(argv[2], argv[3]);
   if (command == "wait-window" && argc == 4) return WaitWindow(argv[2], Milliseconds(argv[3]));
   if (command == "exit" && argc == 4) return Exit(argv[2], Milliseconds(argv[3]));

@@ -16,7 +16,9 @@
 #include "platform/DeviceContexts.h"
 #include "platform/Drives.h"
 #include "platform/EventLoop.h"
+#include "platform/FileDialogs.h"
 #include "platform/FileSystem.h"
+#include "platform/FileTypes.h"
 #include "platform/Icons.h"
 #include "platform/Menus.h"
 #include "platform/MessageBoxes.h"
@@ -43,7 +45,9 @@
 #include "platform/portable/PortableDeviceContexts.h"
 #include "platform/portable/PortableDrives.h"
 #include "platform/portable/PortableEventLoop.h"
+#include "platform/portable/PortableFileDialogs.h"
 #include "platform/portable/PortableFileSystem.h"
+#include "platform/portable/PortableFileTypes.h"
 #include "platform/portable/PortableIcons.h"
 #include "platform/portable/PortableMenus.h"
 #include "platform/portable/PortableMessageBoxes.h"
@@ -97,6 +101,8 @@ class PortablePlatform {
   PortableCodePages& CodePages() { return codePages_.Get(); }
   PortablePageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
   PortableDrives& Drives() { return drives_.Get(); }
+  PortableFileDialogs& FileDialogs() { return fileDialogs_.Get(); }
+  PortableFileTypes& FileTypes() { return fileTypes_.Get(); }
 
  private:
   // In this order: the clipboard and the icons draw through the device contexts made before.
@@ -124,6 +130,8 @@ class PortablePlatform {
   Installed<platform::CodePages, PortableCodePages> codePages_;
   Installed<platform::PageBackgrounds, PortablePageBackgrounds> pageBackgrounds_;
   Installed<platform::Drives, PortableDrives> drives_;
+  Installed<platform::FileDialogs, PortableFileDialogs> fileDialogs_;
+  Installed<platform::FileTypes, PortableFileTypes> fileTypes_;
 };
 
 }  // namespace quorvane::platform::portable

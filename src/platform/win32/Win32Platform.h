@@ -14,8 +14,10 @@
 #include "platform/CollectionPacker.h"
 #include "platform/DeviceContexts.h"
 #include "platform/EventLoop.h"
+#include "platform/FileDialogs.h"
 #include "platform/FileSystem.h"
 #include "platform/Drives.h"
+#include "platform/FileTypes.h"
 #include "platform/Icons.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Notification.h"
@@ -38,8 +40,10 @@
 #include "platform/win32/Win32CollectionPacker.h"
 #include "platform/win32/Win32DeviceContexts.h"
 #include "platform/win32/Win32EventLoop.h"
+#include "platform/win32/Win32FileDialogs.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Drives.h"
+#include "platform/win32/Win32FileTypes.h"
 #include "platform/win32/Win32Icons.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Notification.h"
@@ -86,6 +90,8 @@ class Win32Platform {
   Win32CodePages& CodePages() { return codePages_.Get(); }
   Win32PageBackgrounds& PageBackgrounds() { return pageBackgrounds_.Get(); }
   Win32Drives& Drives() { return drives_.Get(); }
+  Win32FileDialogs& FileDialogs() { return fileDialogs_.Get(); }
+  Win32FileTypes& FileTypes() { return fileTypes_.Get(); }
 
  private:
   Installed<platform::Process, Win32Process> process_;
@@ -111,6 +117,8 @@ class Win32Platform {
   Installed<platform::CodePages, Win32CodePages> codePages_;
   Installed<platform::PageBackgrounds, Win32PageBackgrounds> pageBackgrounds_;
   Installed<platform::Drives, Win32Drives> drives_;
+  Installed<platform::FileDialogs, Win32FileDialogs> fileDialogs_;
+  Installed<platform::FileTypes, Win32FileTypes> fileTypes_;
 };
 
 }  // namespace quorvane::platform::win32

@@ -150,9 +150,11 @@ void FormWindow::Changed(Control& control, Property property) {
       break;
     case Property::Nodes:
       if (tree) ApplyNodes(bound);
+      if (bound.kind == Kind::List) ApplyListItems(bound);
       break;
     case Property::NodeState:
       if (tree) ApplyNodeStates(bound);
+      if (bound.kind == Kind::List) ApplyListStates(bound);
       break;
     case Property::Images:
       if (tree) ApplyImages(bound);
@@ -295,6 +297,7 @@ void FormWindow::ApplyVisible(const BoundControl& bound) {
 }
 
 void FormWindow::ApplyCaption(BoundControl& bound) {
+  if (bound.kind == Kind::Text) return ApplyText(bound);
   if (bound.showsCaption) ::SetWindowTextA(bound.window, CaptionOf(*bound.control).c_str());
   Repaint(bound);
 }
@@ -386,6 +389,11 @@ bool FormWindow::ControlNotification(UINT message, WPARAM wParam, LPARAM lParam,
     case WM_NOTIFY: {
       const auto* header = reinterpret_cast<const NMHDR*>(lParam);
       BoundControl* sender = header != nullptr ? RecordAt(header->hwndFrom) : nullptr;
+      if (sender != nullptr && sender->kind == Kind::List) {
+        ListNotification(*sender, *header, lParam);
+        result = 0;
+        return true;
+      }
       if (sender == nullptr || dynamic_cast<TreeView*>(sender->control) == nullptr) return false;
       TreeNotification(*sender, *header, lParam);
       result = 0;

@@ -126,6 +126,8 @@ void PrintParent(HWND window, HDC dc) {
 }  // namespace
 
 Kind KindOf(Control& control) {
+  if (dynamic_cast<ListView*>(&control) != nullptr) return Kind::List;
+  if (dynamic_cast<TextBox*>(&control) != nullptr) return Kind::Text;
   if (dynamic_cast<GraphicalOptionButton*>(&control) != nullptr) return Kind::PictureOption;
   if (dynamic_cast<ScrollBar*>(&control) != nullptr) return Kind::Scroll;
   if (dynamic_cast<ProgressBar*>(&control) != nullptr) return Kind::Progress;
@@ -407,6 +409,12 @@ void FormWindow::MakeWindow(BoundControl& record) {
     case Kind::Progress:
       MakeStripWindow(bound);
       break;
+    case Kind::List:
+      MakeListWindow(bound);
+      break;
+    case Kind::Text:
+      MakeTextWindow(bound);
+      break;
   }
   // The system's controls tell the form about the mouse as the program's own windows do.
   if (!IsOwnClass(bound.kind)) {
@@ -417,6 +425,7 @@ void FormWindow::MakeWindow(BoundControl& record) {
     ApplyImages(bound);
     ApplyNodes(bound);
   }
+  if (!control.ToolTipText.empty()) GiveToolTip(bound);
   ApplyValue(bound);
   ApplyEnabled(bound);
 }
@@ -928,6 +937,9 @@ LRESULT CALLBACK FormWindow::SubclassProcedure(HWND window, UINT message, WPARAM
         });
       }
       break;
+    case WM_KEYUP:
+      if (bound->kind == Kind::List) self.ListKeyUp(*bound);
+      break;
     case WM_NCDESTROY:
       ::RemoveWindowSubclass(window, &FormWindow::SubclassProcedure, 1);
       self.Forget(window);
@@ -1029,6 +1041,8 @@ void FormWindow::Command(BoundControl& sender, UINT code) {
     Clicked(bound);
   } else if (bound.kind == Kind::Spin && code == EN_CHANGE) {
     SpinEdited(bound);
+  } else if (bound.kind == Kind::Text && code == EN_CHANGE) {
+    TextEdited(bound);
   } else if (bound.kind == Kind::Combo && code == CBN_SELCHANGE) {
     auto& list = static_cast<ComboBox&>(*bound.control);
     const auto chosen = static_cast<std::int32_t>(::SendMessageA(bound.window, CB_GETCURSEL, 0, 0));

@@ -85,6 +85,7 @@
 
 #include "ui/Controls.h"
 #include "ui/Form.h"
+#include "ui/ListControls.h"
 #include "ui/StripControls.h"
 #include "ui/win32/BindingParts.h"
 #include "ui/win32/Handles.h"
@@ -108,6 +109,8 @@ enum class Kind {
   Plain, Picture, Label, Frame, Tree, Check, Option, Command, Slider, Spin, Combo,
   // The thumbnail strip's kinds (StripBinding.cpp).
   Scroll, Progress, PictureOption,
+  // The collection editor's kinds (ListBinding.cpp).
+  List, Text,
 };
 Kind KindOf(Control& control);
 
@@ -227,6 +230,17 @@ class FormWindow final : private ControlObserver, private FormObserver {
   void PaintPictureOption(BoundControl& bound, HDC dc);
   // A scroll bar's WM_VSCROLL, from the code of its move.
   void Scrolled(BoundControl& bound, WPARAM wParam);
+  // Report lists and text boxes (ListBinding.cpp).
+  void MakeListWindow(BoundControl& bound);
+  void ApplyListItems(BoundControl& bound);
+  void ApplyListStates(BoundControl& bound);
+  void ListNotification(BoundControl& bound, const NMHDR& header, LPARAM lParam);
+  void ListKeyUp(BoundControl& bound);
+  void MakeTextWindow(BoundControl& bound);
+  void ApplyText(BoundControl& bound);
+  void TextEdited(BoundControl& bound);
+  // A tip window for a control with a ToolTipText, owned by the form's window.
+  void GiveToolTip(BoundControl& bound);
   // Caption widths measured in the captions' face, for the model.
   static void InstallCaptionMeasure();
 
