@@ -5,6 +5,8 @@
 // and the wallpaper page among them, found from outside by its system name.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <new>
 #include <string>
 
 #include "Support.h"
@@ -92,6 +94,26 @@ TEST_F(FormsConformance, AModelessFormStaysUpUntilTheProgramUnloadsIt) {
   EXPECT_EQ(form.hWnd, 0u);
   EXPECT_FALSE(::IsWindow(window));
 #endif
+}
+
+TEST_F(FormsConformance, AModelessFormThatUnloadsItselfMayGoBeforeItsWindowsBinding) {
+  auto& forms = platform::Use<platform::Forms>();
+  // The form lives in memory of the test's own, so that what touches it after its end shows.
+  alignas(FrmWorking) unsigned char memory[sizeof(FrmWorking)];
+  auto* form = new (memory) FrmWorking;
+  forms.Show(*form, false, 0);
+  ASSERT_TRUE(form->Loaded());
+  form->Unload();
+  EXPECT_FALSE(form->Loaded());
+  form->~FrmWorking();
+  std::memset(memory, 0x5A, sizeof memory);
+  // The next modeless show lets go of the bindings whose windows are gone.
+  FrmWorking next;
+  forms.Show(next, false, 0);
+  forms.Unload(next);
+  for (const unsigned char byte : memory) {
+    ASSERT_EQ(byte, 0x5A) << "the binding wrote into the form after the form's end";
+  }
 }
 
 #ifdef _WIN32

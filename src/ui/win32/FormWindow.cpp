@@ -154,17 +154,27 @@ FormWindow::FormWindow(Form& form, HINSTANCE instance, FormWindowOptions options
 FormWindow::~FormWindow() {
   // The program's own objects may be gone already: nothing is called back while the windows go.
   options_.quitWhenGone = false;
-  form_.Observe(nullptr);
-  for (Timer* timer : form_.Timers()) timer->Observe(nullptr);
+  if (!detached_) {
+    form_.Observe(nullptr);
+    for (Timer* timer : form_.Timers()) timer->Observe(nullptr);
+  }
   destroying_ = true;
   Destroy();
+  DetachFromModel();
+  auto& live = LiveBindings();
+  live.erase(std::remove(live.begin(), live.end(), this), live.end());
+}
+
+void FormWindow::DetachFromModel() {
+  if (detached_) return;
+  detached_ = true;
+  form_.Observe(nullptr);
+  for (Timer* timer : form_.Timers()) timer->Observe(nullptr);
   for (auto& list : imageLists_) list->model->Observe(nullptr);
   for (const auto& record : records_) {
     record->control->Observe(nullptr);
     record->control->hWnd = 0;
   }
-  auto& live = LiveBindings();
-  live.erase(std::remove(live.begin(), live.end(), this), live.end());
 }
 
 std::string FormWindow::ClassNameFor(const Form& form) {
@@ -512,6 +522,9 @@ void FormWindow::Unloaded(Form& /*form*/) {
   }
   Hide();
   Destroy();
+  // A modeless form that unloads itself may be gone before this binding is: from here on the
+  // binding holds nothing of it, and its end touches nothing of the form's.
+  DetachFromModel();
 }
 
 void FormWindow::RequestUnload(std::int16_t mode) {

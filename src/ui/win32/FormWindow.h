@@ -190,6 +190,8 @@ class FormWindow final : private ControlObserver, private FormObserver {
   void Hide();
   // Destroys every window of the form.
   void Destroy();
+  // Stops observing the form and its controls and forgets their windows; for good.
+  void DetachFromModel();
   // Brings the tree views' node states (text, images, bold, ticks, expansion, selection) up to
   // the model now; otherwise they follow once the program reaches its message loop. Done too
   // before a control is looked up from outside, so that whoever looks sees the windows as the
@@ -436,6 +438,7 @@ class FormWindow final : private ControlObserver, private FormObserver {
   bool activated_ = false;
   bool modal_ = false;
   bool destroying_ = false;
+  bool detached_ = false;  // the model's objects no longer observed nor touched
   UniqueFont font_;
   std::map<std::uint32_t, UniqueBrush> brushes_;
   AccessibleNames accessibleNames_;
