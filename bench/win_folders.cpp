@@ -36,37 +36,9 @@ namespace driving = quorvane::driving;
 
 constexpr double kTimeoutMs = 120000.0;
 
-bool Answered(HWND main) {
-  DWORD_PTR answer = 0;
-  return ::SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 60000, &answer) != 0;
-}
-
-BOOL CALLBACK AddDirty(HWND window, LPARAM data) {
-  RECT area{};
-  if (::IsWindowVisible(window) != 0 && ::GetUpdateRect(window, &area, FALSE) != 0) {
-    ++*reinterpret_cast<int*>(data);
-  }
-  return TRUE;
-}
-
-int Dirty(HWND main) {
-  int dirty = 0;
-  AddDirty(main, reinterpret_cast<LPARAM>(&dirty));
-  ::EnumChildWindows(main, AddDirty, reinterpret_cast<LPARAM>(&dirty));
-  return dirty;
-}
-
 // Waits until the program is back at its loop with nothing left to paint.
 bool Settle(HWND main, double since) {
-  while (Now() - since < kTimeoutMs) {
-    if (!Answered(main)) return false;
-    if (Dirty(main) == 0) {
-      if (!Answered(main)) return false;
-      if (Dirty(main) == 0) return true;
-    }
-    ::Sleep(1);
-  }
-  return false;
+  return quorvane::bench::Settle(main, since, kTimeoutMs, 60000);
 }
 
 // The folder with `count` empty sub-folders, made unless it is there with them.

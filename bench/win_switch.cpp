@@ -60,43 +60,11 @@ constexpr int kZoneY = 180;
 constexpr DWORD kAppearTimeout = 60000;
 constexpr double kSwitchTimeoutMs = 5000.0;
 
-// True once the program's thread has answered a WM_NULL: it is back at its message loop.
-bool Answered(HWND main) {
-  DWORD_PTR answer = 0;
-  return ::SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &answer) != 0;
-}
-
-BOOL CALLBACK AddDirty(HWND window, LPARAM data) {
-  RECT area{};
-  if (::IsWindowVisible(window) != 0 && ::GetUpdateRect(window, &area, FALSE) != 0) {
-    ++*reinterpret_cast<int*>(data);
-  }
-  return TRUE;
-}
-
-// How many windows of the main window (itself and every visible window inside it) still have
-// something to paint.
-int Dirty(HWND main) {
-  int dirty = 0;
-  AddDirty(main, reinterpret_cast<LPARAM>(&dirty));
-  ::EnumChildWindows(main, AddDirty, reinterpret_cast<LPARAM>(&dirty));
-  return dirty;
-}
-
 // Waits until the program has handled what it was given and painted all of it (steps 4 and 5).
 // False when that did not happen within the timeout measured from `since`. The milliseconds
 // from `since` to the first answer go to `answered` when it is given.
 bool Settle(HWND main, double since, double* answered = nullptr) {
-  while (Now() - since < kSwitchTimeoutMs) {
-    if (!Answered(main)) return false;
-    if (answered != nullptr && *answered < 0.0) *answered = Now() - since;
-    if (Dirty(main) == 0) {
-      if (!Answered(main)) return false;
-      if (Dirty(main) == 0) return true;
-    }
-    ::Sleep(1);
-  }
-  return false;
+  return quorvane::bench::Settle(main, since, kSwitchTimeoutMs, 5000, answered);
 }
 
 struct Target {

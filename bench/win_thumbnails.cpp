@@ -49,39 +49,8 @@ constexpr DWORD kAppearTimeout = 60000;
 constexpr double kFillTimeoutMs = 600000.0;
 constexpr double kMegabyte = 1024.0 * 1024.0;
 
-bool Answered(HWND main) {
-  DWORD_PTR answer = 0;
-  return ::SendMessageTimeoutA(main, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 10000, &answer) != 0;
-}
-
-BOOL CALLBACK AddDirty(HWND window, LPARAM data) {
-  RECT area{};
-  if (::IsWindowVisible(window) != 0 && ::GetUpdateRect(window, &area, FALSE) != 0) {
-    ++*reinterpret_cast<int*>(data);
-  }
-  return TRUE;
-}
-
-int Dirty(HWND main) {
-  int dirty = 0;
-  AddDirty(main, reinterpret_cast<LPARAM>(&dirty));
-  ::EnumChildWindows(main, AddDirty, reinterpret_cast<LPARAM>(&dirty));
-  return dirty;
-}
-
 // Back at its loop with nothing left to paint; false when that did not come within a few seconds.
-bool Settled(HWND main) {
-  const double since = Now();
-  while (Now() - since < 10000.0) {
-    if (!Answered(main)) return false;
-    if (Dirty(main) == 0) {
-      if (!Answered(main)) return false;
-      if (Dirty(main) == 0) return true;
-    }
-    ::Sleep(1);
-  }
-  return false;
-}
+bool Settled(HWND main) { return quorvane::bench::Settle(main, Now(), 10000.0, 10000); }
 
 struct Memory {
   double workingSet = 0.0;  // MB

@@ -43,7 +43,7 @@ build_native_release() {
 }
 
 bench_import() {
-  build_native_release --target generate_reg_file
+  build_native_release --target generate_reg_file bench_import
   cmake --preset windows >/dev/null
   cmake --build --preset windows -j "$(nproc)" --target win_import_reg >/dev/null
   source scripts/wine-env.sh
@@ -66,6 +66,8 @@ bench_import() {
     --export-json "$dir/import.json"
   wine reg delete 'HKCU\Software\QuorvaneBench' /f >/dev/null 2>&1 || true
   wine_finish
+  echo "== the same import natively over the store in memory: the import's own share"
+  build/native-release/bench_import "$dir/values.reg" "$runs"
 }
 
 bench_resample() {

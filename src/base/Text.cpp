@@ -70,11 +70,19 @@ std::string Mid(std::string_view s, std::int64_t start, std::int64_t length) {
   return Left(Mid(s, start), length);
 }
 
-static bool MatchesAt(std::string_view s, std::size_t at, std::string_view sought,
-                      bool ignoreCase) {
-  if (at + sought.size() > s.size()) return false;
-  const std::string_view here = s.substr(at, sought.size());
-  return ignoreCase ? EqualsNoCase(here, sought) : here == sought;
+// Where `sought` (not empty) first stands in `s` from `from` on, capitals and small letters
+// alike or not; npos when nowhere.
+static std::size_t Find(std::string_view s, std::string_view sought, std::size_t from,
+                        bool ignoreCase) {
+  if (!ignoreCase) return s.find(sought, from);
+  if (sought.size() > s.size()) return std::string_view::npos;
+  const char first = UpperChar(sought.front());
+  for (std::size_t at = from; at + sought.size() <= s.size(); ++at) {
+    if (UpperChar(s[at]) == first && EqualsNoCase(s.substr(at, sought.size()), sought)) {
+      return at;
+    }
+  }
+  return std::string_view::npos;
 }
 
 std::string Replace(std::string_view s, std::string_view find, std::string_view with,
@@ -84,13 +92,14 @@ std::string Replace(std::string_view s, std::string_view find, std::string_view 
   out.reserve(s.size());
   std::size_t i = 0;
   while (i < s.size()) {
-    if (MatchesAt(s, i, find, ignoreCase)) {
-      out.append(with);
-      i += find.size();
-    } else {
-      out.push_back(s[i]);
-      ++i;
+    const std::size_t at = Find(s, find, i, ignoreCase);
+    if (at == std::string_view::npos) {
+      out.append(s.substr(i));
+      break;
     }
+    out.append(s.substr(i, at - i));
+    out.append(with);
+    i = at + find.size();
   }
   return out;
 }
@@ -101,10 +110,8 @@ std::int64_t InStr(std::int64_t start, std::string_view s, std::string_view soug
   const auto from = static_cast<std::size_t>(start - 1);
   if (from > s.size()) return 0;
   if (sought.empty()) return start;
-  for (std::size_t at = from; at + sought.size() <= s.size(); ++at) {
-    if (MatchesAt(s, at, sought, ignoreCase)) return static_cast<std::int64_t>(at) + 1;
-  }
-  return 0;
+  const std::size_t at = Find(s, sought, from, ignoreCase);
+  return at == std::string_view::npos ? 0 : static_cast<std::int64_t>(at) + 1;
 }
 
 std::vector<std::string> Split(std::string_view s, std::string_view delimiter) {

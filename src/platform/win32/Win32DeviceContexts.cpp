@@ -6,6 +6,27 @@
 
 namespace quorvane::platform::win32 {
 
+namespace {
+
+// The platform's own header of a device-independent bitmap, its size field as given.
+BITMAPINFO NativeInfo(const BitmapInfoHeader& header, DWORD size) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = size;
+  info.bmiHeader.biWidth = header.biWidth;
+  info.bmiHeader.biHeight = header.biHeight;
+  info.bmiHeader.biPlanes = header.biPlanes;
+  info.bmiHeader.biBitCount = header.biBitCount;
+  info.bmiHeader.biCompression = header.biCompression;
+  info.bmiHeader.biSizeImage = static_cast<DWORD>(header.biSizeImage);
+  info.bmiHeader.biXPelsPerMeter = header.biXPelsPerMeter;
+  info.bmiHeader.biYPelsPerMeter = header.biYPelsPerMeter;
+  info.bmiHeader.biClrUsed = header.biClrUsed;
+  info.bmiHeader.biClrImportant = header.biClrImportant;
+  return info;
+}
+
+}  // namespace
+
 GdiHandle Win32DeviceContexts::GetDesktopWindow() { return FromNative(::GetDesktopWindow()); }
 
 GdiHandle Win32DeviceContexts::GetDC(GdiHandle window) {
@@ -25,18 +46,7 @@ std::int32_t Win32DeviceContexts::DeleteDC(GdiHandle dc) { return ::DeleteDC(ToN
 GdiHandle Win32DeviceContexts::CreateDIBSection(GdiHandle dc, const BitmapInfoHeader& header,
                                                 std::uint32_t usage, std::uint8_t** bits,
                                                 GdiHandle section, std::uint32_t offset) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = header.biSize;
-  info.bmiHeader.biWidth = header.biWidth;
-  info.bmiHeader.biHeight = header.biHeight;
-  info.bmiHeader.biPlanes = header.biPlanes;
-  info.bmiHeader.biBitCount = header.biBitCount;
-  info.bmiHeader.biCompression = header.biCompression;
-  info.bmiHeader.biSizeImage = static_cast<DWORD>(header.biSizeImage);
-  info.bmiHeader.biXPelsPerMeter = header.biXPelsPerMeter;
-  info.bmiHeader.biYPelsPerMeter = header.biYPelsPerMeter;
-  info.bmiHeader.biClrUsed = header.biClrUsed;
-  info.bmiHeader.biClrImportant = header.biClrImportant;
+  const BITMAPINFO info = NativeInfo(header, header.biSize);
   void* first = nullptr;
   HBITMAP bitmap = ::CreateDIBSection(ToNative<HDC>(dc), &info, usage, &first,
                                       ToNative<HANDLE>(section), offset);
@@ -119,18 +129,7 @@ std::int32_t Win32DeviceContexts::StretchDIBits(
     std::int32_t sourceX, std::int32_t sourceY, std::int32_t sourceWidth,
     std::int32_t sourceHeight, const void* bits, const BitmapInfoHeader& header,
     std::uint32_t usage, std::uint32_t rop) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = header.biWidth;
-  info.bmiHeader.biHeight = header.biHeight;
-  info.bmiHeader.biPlanes = header.biPlanes;
-  info.bmiHeader.biBitCount = header.biBitCount;
-  info.bmiHeader.biCompression = header.biCompression;
-  info.bmiHeader.biSizeImage = static_cast<DWORD>(header.biSizeImage);
-  info.bmiHeader.biXPelsPerMeter = header.biXPelsPerMeter;
-  info.bmiHeader.biYPelsPerMeter = header.biYPelsPerMeter;
-  info.bmiHeader.biClrUsed = header.biClrUsed;
-  info.bmiHeader.biClrImportant = header.biClrImportant;
+  const BITMAPINFO info = NativeInfo(header, sizeof(BITMAPINFOHEADER));
   return ::StretchDIBits(ToNative<HDC>(dc), x, y, width, height, sourceX, sourceY, sourceWidth,
                          sourceHeight, bits, &info, usage, rop);
 }
