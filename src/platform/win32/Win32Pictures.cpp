@@ -344,8 +344,8 @@ std::optional<Pixels> LoadWithImagingComponent(Bytes bytes) {
 enum class Straight {
   Decoded,   // the picture is in `into`
   Refused,   // the component can't decode it; `into` is as it was
-  Unfit,     // decoded, but not as the OLE loader would give it (it lets something through);
-             // `into` has been written over
+  Unfit,     // decoded with pixels that are not opaque, which the OLE loader would draw
+             // through a mask instead; `into` has been written over
   Failed,    // the component failed half-way; `into` is empty
 };
 
@@ -437,8 +437,8 @@ Straight DecodeStraight(Bytes bytes, Pixels& into) {
     return Straight::Refused;
   }
   const UINT rowBytes = width * (threeBytes ? 3u : 4u);
-  // The first row, into memory of its own: decoders that read the whole picture at once do it
-  // here, and a damaged picture is refused before `into` changes.
+  // The first row, into memory of its own: a decoder that decodes the whole picture at its first
+  // copy (Wine's do) does it here, so that a damaged picture is refused before `into` changes.
   {
     std::vector<BYTE> row(rowBytes);
     const WICRect first{0, 0, static_cast<INT>(width), 1};
