@@ -340,12 +340,165 @@ std::optional<Pixels> LoadWithImagingComponent(Bytes bytes) {
   return pixels;
 }
 
+// What the imaging component makes of a picture decoded straight into the caller's memory.
+enum class Straight {
+  Decoded,   // the picture is in `into`
+  Refused,   // the component can't decode it; `into` is as it was
+  Unfit,     // decoded with pixels that are not opaque, which the OLE loader would draw
+             // through a mask instead; `into` has been written over
+  Failed,    // the component failed half-way; `into` is empty
+};
+
+// True when the bytes are a GIF file whose first image has a transparent colour: the OLE loader
+// gives those with a mask, drawn on a background, which the component's pixels are not.
+bool GifHasTransparentColour(Bytes bytes) {
+  constexpr std::size_t kScreenEnd = 13;  // the signature and the logical screen descriptor
+  if (bytes.size() < kScreenEnd) return true;
+  std::size_t at = kScreenEnd;
+  if ((bytes[10] & 0x80u) != 0) at += std::size_t{3} << ((bytes[10] & 0x07u) + 1);
+  while (at < bytes.size()) {
+    const std::uint8_t block = bytes[at];
+    if (block == 0x2C || block == 0x3B) return false;  // the first image, or the file's end
+    if (block != 0x21 || at + 1 >= bytes.size()) return true;
+    const std::uint8_t label = bytes[at + 1];
+    at += 2;
+    if (label == 0xF9 && at + 1 < bytes.size() && bytes[at] >= 1 && (bytes[at + 1] & 0x01u) != 0) {
+      return true;
+    }
+    // The extension's sub-blocks, up to the empty one.
+    while (at < bytes.size() && bytes[at] != 0) at += std::size_t{bytes[at]} + 1;
+    ++at;
+  }
+  return true;
+}
+
+// The kinds the imaging component decodes as the OLE loader does. The loader decodes JPEG and
+// GIF through the component itself and then only copies the pixels, twice, into fresh memory;
+// a bitmap's pixels it copies through a device bitmap, which gives what the component gives.
+// Transparent pictures are the loader's: it draws them through a mask, which the component's
+// pixels don't match.
+bool DecodedAlike(codecs::PictureKind kind, Bytes bytes) {
+  switch (kind) {
+    case codecs::PictureKind::Jpeg:
+    case codecs::PictureKind::Bitmap:
+      return true;
+    case codecs::PictureKind::Gif:
+      return !GifHasTransparentColour(bytes);
+    default:
+      return false;
+  }
+}
+
+// Rows copied at a time: a band of the picture small enough to stay in the cache while its
+// 24-bit pixels are widened in place, and to keep a converter's own buffer small.
+constexpr std::size_t kBandBytes = std::size_t{1} << 17;
+
+// The imaging component's decoding of the bytes, opaque 32-bit pixels, straight into `into`,
+// whose memory is kept where the picture fits. Its first row is decoded before `into` is
+// touched, so that a picture the component can't read leaves `into` as it was.
+Straight DecodeStraight(Bytes bytes, Pixels& into) {
+  if (bytes.empty() || bytes.size() > 0xFFFFFFFFu) return Straight::Refused;
+  ComApartment apartment;
+  ComPtr<IWICImagingFactory> factory;
+  if (FAILED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                IID_IWICImagingFactory, factory.OutVoid()))) {
+    return Straight::Refused;
+  }
+  ComPtr<IWICStream> stream;
+  if (FAILED(factory->CreateStream(stream.Out())) ||
+      FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(bytes.data()),
+                                          static_cast<DWORD>(bytes.size())))) {
+    return Straight::Refused;
+  }
+  ComPtr<IWICBitmapDecoder> decoder;
+  if (FAILED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
+                                              WICDecodeMetadataCacheOnDemand, decoder.Out()))) {
+    return Straight::Refused;
+  }
+  ComPtr<IWICBitmapFrameDecode> frame;
+  if (FAILED(decoder->GetFrame(0, frame.Out()))) return Straight::Refused;
+  UINT width = 0;
+  UINT height = 0;
+  WICPixelFormatGUID format{};
+  if (FAILED(frame->GetSize(&width, &height)) || !codecs::DecodableSize(width, height) ||
+      FAILED(frame->GetPixelFormat(&format))) {
+    return Straight::Refused;
+  }
+  // Three bytes a pixel are copied into the end of each band's memory and widened in place;
+  // any other format goes through the component's converter, a band at a time.
+  const bool threeBytes = IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) != FALSE;
+  ComPtr<IWICBitmapSource> source;
+  if (threeBytes) {
+    if (FAILED(frame->QueryInterface(IID_IWICBitmapSource, source.OutVoid()))) {
+      return Straight::Refused;
+    }
+  } else if (FAILED(::WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(),
+                                             source.Out()))) {
+    return Straight::Refused;
+  }
+  const UINT rowBytes = width * (threeBytes ? 3u : 4u);
+  // The first row, into memory of its own: a decoder that decodes the whole picture at its first
+  // copy (Wine's do) does it here, so that a damaged picture is refused before `into` changes.
+  {
+    std::vector<BYTE> row(rowBytes);
+    const WICRect first{0, 0, static_cast<INT>(width), 1};
+    if (FAILED(source->CopyPixels(&first, rowBytes, rowBytes, row.data()))) {
+      return Straight::Refused;
+    }
+  }
+  into.width = static_cast<std::int32_t>(width);
+  into.height = static_cast<std::int32_t>(height);
+  // Emptied first, so that growing copies nothing of the old picture.
+  into.bgra.clear();
+  into.bgra.resize(static_cast<std::size_t>(width) * height);
+  const UINT bandRows = std::max<UINT>(
+      1, static_cast<UINT>(std::min<std::size_t>(height, kBandBytes / (std::size_t{width} * 4))));
+  bool opaque = true;
+  for (UINT top = 0; top < height; top += bandRows) {
+    const UINT rows = std::min(bandRows, height - top);
+    std::uint32_t* band = into.bgra.data() + static_cast<std::size_t>(top) * width;
+    const std::size_t count = static_cast<std::size_t>(rows) * width;
+    const WICRect rect{0, static_cast<INT>(top), static_cast<INT>(width), static_cast<INT>(rows)};
+    if (threeBytes) {
+      // The band's 3 * count bytes at its end: pixel i is widened from byte count + 3i to byte
+      // 4i, which never reaches a byte not yet read, since count + 3j > 4i + 3 for every j > i.
+      BYTE* packed = reinterpret_cast<BYTE*>(band) + count;
+      if (FAILED(source->CopyPixels(&rect, rowBytes, static_cast<UINT>(count * 3), packed))) {
+        into = Pixels{};
+        return Straight::Failed;
+      }
+      for (std::size_t i = 0; i < count; ++i) {
+        const BYTE* p = packed + 3 * i;
+        const std::uint32_t pixel = 0xFF000000u | static_cast<std::uint32_t>(p[0]) |
+                                    (static_cast<std::uint32_t>(p[1]) << 8) |
+                                    (static_cast<std::uint32_t>(p[2]) << 16);
+        band[i] = pixel;
+      }
+      continue;
+    }
+    if (FAILED(source->CopyPixels(&rect, rowBytes, static_cast<UINT>(count * 4),
+                                  reinterpret_cast<BYTE*>(band)))) {
+      into = Pixels{};
+      return Straight::Failed;
+    }
+    for (std::size_t i = 0; i < count; ++i) opaque = opaque && (band[i] >> 24) == 0xFFu;
+  }
+  return opaque ? Straight::Decoded : Straight::Unfit;
+}
+
 }  // namespace
 
 Pixels DecodeWithImagingComponent(std::span<const std::uint8_t> bytes) {
   std::optional<Pixels> pixels = LoadWithImagingComponent(bytes);
   if (!pixels || pixels->Empty()) RaiseInvalidPicture();
   return std::move(*pixels);
+}
+
+bool DecodeStraightInto(std::span<const std::uint8_t> bytes, Pixels& picture) {
+  if (!DecodedAlike(codecs::KindOfPicture(bytes), bytes)) return false;
+  const Straight straight = DecodeStraight(bytes, picture);
+  if (straight == Straight::Unfit) picture = Pixels{};
+  return straight == Straight::Decoded;
 }
 
 void Win32Pictures::LoadPictureInto(const std::string& path, Pixels& picture) {
@@ -381,6 +534,13 @@ void Win32Pictures::LoadIconSized(const std::string& path, std::int32_t iconSize
     }
     bytes = file.View();
   }
+  // Whatever the imaging component refuses goes to the OLE loader, which has the last word.
+  bool writtenOver = false;
+  if (decoding_ == PictureDecoding::Fastest && DecodedAlike(kind, bytes)) {
+    const Straight straight = DecodeStraight(bytes, picture);
+    if (straight == Straight::Decoded) return;
+    writtenOver = straight != Straight::Refused;
+  }
   if (!bytes.empty() && LoadWithOle(file, picture) && !picture.Empty()) return;
   if (kind == codecs::PictureKind::Png) {
     std::optional<Pixels> pixels = LoadWithImagingComponent(bytes);
@@ -389,6 +549,8 @@ void Win32Pictures::LoadIconSized(const std::string& path, std::int32_t iconSize
       return;
     }
   }
+  // A failure after the picture's memory was begun on leaves it empty.
+  if (writtenOver) picture = Pixels{};
   RaiseInvalidPicture();
 }
 
