@@ -16,8 +16,9 @@ packages=(
   # three (ukui-wallpapers: /usr/share/backgrounds/, plasma-workspace-wallpapers:
   # /usr/share/wallpapers/) and set a wallpaper with xwallpaper and feh for comparison.
   mate-backgrounds ukui-wallpapers plasma-workspace-wallpapers xwallpaper feh
-  # The thumbnail benchmark measures the strip against ImageMagick's convert and vipsthumbnail.
-  libvips-tools
+  # The thumbnail benchmark measures the strip against ImageMagick's convert and vipsthumbnail;
+  # the automatic change's decode is set beside djpeg's.
+  libvips-tools libjpeg-turbo-progs
 )
 
 missing=()
