@@ -134,8 +134,25 @@ void BlendRowInLanes(const std::uint8_t* upper, const std::uint8_t* lower, const
 }
 
 #ifdef QUORVANE_BILINEAR_AVX2
-// The same with the two source rows side by side in eight lanes, so that one set of operations
-// blends both across.
+// Across, for one pixel: the two source rows side by side in eight lanes, so that one set of
+// operations blends both; the upper row's result in the low four lanes, the lower row's in the
+// high four.
+__attribute__((target("avx2"))) inline __m256 AcrossBothRows(const std::uint8_t* u,
+                                                             const std::uint8_t* l, float keep,
+                                                             float take) {
+  const __m256 units = _mm256_set1_ps(kUnitsOnly);
+  const __m128i lefts = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(Word(u))),
+                                           _mm_cvtsi32_si128(static_cast<int>(Word(l))));
+  const __m128i rights = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(Word(u + 2) >> 8)),
+                                            _mm_cvtsi32_si128(static_cast<int>(Word(l + 2) >> 8)));
+  const __m256 blend = _mm256_add_ps(
+      _mm256_mul_ps(_mm256_set1_ps(keep), _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(lefts))),
+      _mm256_mul_ps(_mm256_set1_ps(take), _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(rights))));
+  return _mm256_sub_ps(_mm256_add_ps(blend, units), units);
+}
+
+// The same as the four lanes, two pixels a step: each pixel across in eight lanes, then down for
+// both pixels at once.
 __attribute__((target("avx2"))) void BlendRowInWideLanes(const std::uint8_t* upper,
                                                          const std::uint8_t* lower,
                                                          const BilinearRow& row,
@@ -143,35 +160,45 @@ __attribute__((target("avx2"))) void BlendRowInWideLanes(const std::uint8_t* upp
                                                          std::uint8_t* target) {
   const std::size_t width = columns.left.size();
   const __m256 units = _mm256_set1_ps(kUnitsOnly);
-  const __m128 rowKeep = _mm_set1_ps(row.keep);
-  const __m128 rowTake = _mm_set1_ps(row.take);
-  const __m128 rowUnits = _mm_set1_ps(kUnitsOnly);
-  for (std::size_t x = 0; x < width; ++x) {
-    const std::uint8_t* u = upper + columns.left[x];
-    const std::uint8_t* l = lower + columns.left[x];
-    const __m128i lefts = _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(Word(u))),
-                                             _mm_cvtsi32_si128(static_cast<int>(Word(l))));
-    const __m128i rights =
-        _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(Word(u + 2) >> 8)),
-                           _mm_cvtsi32_si128(static_cast<int>(Word(l + 2) >> 8)));
-    const __m256 across = _mm256_sub_ps(
-        _mm256_add_ps(
-            _mm256_add_ps(_mm256_mul_ps(_mm256_set1_ps(columns.keep[x]),
-                                        _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(lefts))),
-                          _mm256_mul_ps(_mm256_set1_ps(columns.take[x]),
-                                        _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(rights)))),
-            units),
+  const __m256 rowKeep = _mm256_set1_ps(row.keep);
+  const __m256 rowTake = _mm256_set1_ps(row.take);
+  std::size_t x = 0;
+  for (; x + 1 < width; x += 2) {
+    const __m256 first = AcrossBothRows(upper + columns.left[x], lower + columns.left[x],
+                                        columns.keep[x], columns.take[x]);
+    const __m256 second = AcrossBothRows(upper + columns.left[x + 1], lower + columns.left[x + 1],
+                                         columns.keep[x + 1], columns.take[x + 1]);
+    // The two pixels' upper results side by side, and their lower ones.
+    const __m256 tops = _mm256_permute2f128_ps(first, second, 0x20);
+    const __m256 bottoms = _mm256_permute2f128_ps(first, second, 0x31);
+    const __m256 down = _mm256_sub_ps(
+        _mm256_add_ps(_mm256_add_ps(_mm256_mul_ps(rowKeep, tops), _mm256_mul_ps(rowTake, bottoms)),
+                      units),
         units);
-    const __m128 top = _mm256_castps256_ps128(across);
-    const __m128 bottom = _mm256_extractf128_ps(across, 1);
+    __m256i lanes = _mm256_cvttps_epi32(down);
+    lanes = _mm256_packs_epi32(lanes, lanes);
+    lanes = _mm256_packus_epi16(lanes, lanes);
+    const auto pixel = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm256_castsi256_si128(lanes)));
+    const auto next =
+        static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm256_extracti128_si256(lanes, 1)));
+    // Each fourth byte lands on the next pixel, which is written after; not so on the last.
+    std::memcpy(target + x * 3, &pixel, 4);
+    std::memcpy(target + x * 3 + 3, &next, x + 2 < width ? 4 : 3);
+  }
+  if (x < width) {
+    const __m256 across = AcrossBothRows(upper + columns.left[x], lower + columns.left[x],
+                                         columns.keep[x], columns.take[x]);
+    const __m128 rowUnits = _mm_set1_ps(kUnitsOnly);
     const __m128 down = _mm_sub_ps(
-        _mm_add_ps(_mm_add_ps(_mm_mul_ps(rowKeep, top), _mm_mul_ps(rowTake, bottom)), rowUnits),
+        _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_set1_ps(row.keep), _mm256_castps256_ps128(across)),
+                              _mm_mul_ps(_mm_set1_ps(row.take), _mm256_extractf128_ps(across, 1))),
+                   rowUnits),
         rowUnits);
     __m128i lanes = _mm_cvttps_epi32(down);
     lanes = _mm_packs_epi32(lanes, lanes);
     lanes = _mm_packus_epi16(lanes, lanes);
     const auto pixel = static_cast<std::uint32_t>(_mm_cvtsi128_si32(lanes));
-    std::memcpy(target + x * 3, &pixel, x + 1 < width ? 4 : 3);
+    std::memcpy(target + x * 3, &pixel, 3);
   }
 }
 
