@@ -3,8 +3,8 @@
 # conformance and end-to-end tests under Wine, then the installer's end-to-end run in a Wine prefix
 # of its own (scripts/e2e-install.sh). Ends with the count of each tier, so that a tier
 # that ran fewer cases than it should shows at a glance, and the whole run's "N passed, N failed".
-# A case that skipped counts as failed: in this run a skip could only hide something set-up failed
-# to install. The exit status is non-zero when anything failed.
+# Every case must run: one that GoogleTest reports as not run counts as failed, since here that
+# could only hide something set-up failed to install. The exit status is non-zero when anything failed.
 set -uo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -87,7 +87,7 @@ windows_counts="$(awk '
     n = $0; sub(/:.*$/, "", n); c = $0; sub(/^.*FAILED  \] /, "", c); sub(/ .*$/, "", c)
     gfailed[n] += c; gtest[n] = 1
   }
-  # A skipped case is a failed one here.
+  # A case GoogleTest reports as not run is a failed one here.
   match($0, /^[0-9]+: \[  SKIPPED \] [0-9]+ tests?, listed below/) {
     n = $0; sub(/:.*$/, "", n); c = $0; sub(/^.*SKIPPED \] /, "", c); sub(/ .*$/, "", c)
     gfailed[n] += c; gtest[n] = 1

@@ -21,7 +21,7 @@ bool SameAt(const std::string& s, std::size_t at, const std::string& sought, boo
   return true;
 }
 
-// The plain way: left to right, a replaced piece skipped whole.
+// The plain way: left to right, the search going on after the whole of a replaced piece.
 std::string PlainReplace(const std::string& s, const std::string& find, const std::string& with,
                          bool ignoreCase) {
   if (find.empty()) return s;
