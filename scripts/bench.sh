@@ -287,11 +287,8 @@ bench_thumbnails() {
   source scripts/wine-env.sh
   wine_prepare
   # The program's data folder holds this collection alone while the run lasts.
-  local appdata data_w data_u kept="$dir/kept"
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+  local data_w data_u kept="$dir/kept"
+  if ! wine_data_folder; then
     echo "thumbnails: the program's data folder could not be found" >&2
     return 1
   fi

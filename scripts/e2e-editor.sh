@@ -23,11 +23,8 @@ editor_run() {
   done
   rm -rf "$copies" "$kept"
   mkdir -p "$copies" "$kept"
-  local appdata data_w data_u
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+  local data_w data_u
+  if ! wine_data_folder; then
     report+="FAIL collection editor: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi

@@ -57,11 +57,8 @@ strip_run() {
     done | LC_ALL=C sort -t $'\t' -k1,1 | cut -f2-
   } >"$manifest"
 
-  local appdata data_w data_u kept="$work/strip-kept"
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+  local data_w data_u kept="$work/strip-kept"
+  if ! wine_data_folder; then
     report+="FAIL wallpaper page: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi

@@ -132,11 +132,8 @@ at_scaling() {
 # beforehand; what is left of them is removed afterwards.
 real_window_run() {
   echo "== end to end: the real window as its controls are (\"Windows XP\")"
-  local appdata data_w data_u picture="$work/focus.bmp" name packed=1
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ] || [ ! -f "$bin/cab_probe.exe" ]; then
+  local data_w data_u picture="$work/focus.bmp" name packed=1
+  if ! wine_data_folder || [ ! -f "$bin/cab_probe.exe" ]; then
     report+="FAIL real window: no data folder, or $bin/cab_probe.exe is missing"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi
@@ -205,11 +202,8 @@ settings_run() {
     report+="FAIL settings: $bin/cab_probe.exe is missing"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   }
-  local appdata data_w data_u kept="$work/settings-kept" manifest="$work/settings-manifest.txt"
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+  local data_w data_u kept="$work/settings-kept" manifest="$work/settings-manifest.txt"
+  if ! wine_data_folder; then
     report+="FAIL settings: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi
@@ -297,11 +291,8 @@ slideshow_run() {
     "BMP3:$made/Aqua.bmp"
   "$magick" "$nature/Storm.jpg" -resize '360x240!' "$made/Storm.gif"
   "$magick" "$nature/Storm.jpg" -resize '64x40!' "PCX:$made/Zigzag.pcx"
-  local appdata data_w data_u
-  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
-  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
-  data_u="$(winepath -u "$data_w" 2>/dev/null)"
-  if [ -z "$appdata" ] || [ -z "$data_u" ]; then
+  local data_w data_u
+  if ! wine_data_folder; then
     report+="FAIL slide show: the data folder could not be found"$'\n'"0 passed, 1 failed"$'\n'
     return 0
   fi

@@ -11,6 +11,16 @@ export WINEARCH=win64
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml="
 
+# The program's data folder in the prefix: sets data_w (its Windows path) and data_u (the same
+# path here). False when the prefix does not tell where it is.
+wine_data_folder() {
+  local appdata
+  appdata="$(wine cmd /c echo %APPDATA% 2>/dev/null </dev/null | tr -d '\r')"
+  data_w="$appdata\\Talvenor\\Mirefold\\Quorvane"
+  data_u="$(winepath -u "$data_w" 2>/dev/null)"
+  [ -n "$appdata" ] && [ -n "$data_u" ]
+}
+
 wine_prepare() {
   if [ ! -f "$WINEPREFIX/system.reg" ]; then
     mkdir -p "$WINEPREFIX"

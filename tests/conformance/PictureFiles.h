@@ -287,21 +287,8 @@ inline std::string PngChunk(const std::string& type, const std::string& data) {
   return out;
 }
 
-// A PNG of 8-bit RGB, or RGBA when `alpha` is given: pixels 0xRRGGBB, alpha one byte a pixel.
-inline std::string PngFile(std::int32_t width, std::int32_t height,
-                           const std::vector<std::uint32_t>& pixels,
-                           const std::vector<std::uint8_t>& alpha = {}) {
-  std::string raw;
-  for (std::int32_t y = 0; y < height; ++y) {
-    raw.push_back(0);  // no filter
-    for (std::int32_t x = 0; x < width; ++x) {
-      const std::size_t i = static_cast<std::size_t>(y * width + x);
-      raw.push_back(static_cast<char>((pixels[i] >> 16) & 0xFFu));
-      raw.push_back(static_cast<char>((pixels[i] >> 8) & 0xFFu));
-      raw.push_back(static_cast<char>(pixels[i] & 0xFFu));
-      if (!alpha.empty()) raw.push_back(static_cast<char>(alpha[i]));
-    }
-  }
+// `raw` as a zlib stream of stored (uncompressed) blocks, with its Adler-32 check.
+inline std::string StoredZlib(const std::string& raw) {
   std::string zlib("\x78\x01", 2);
   for (std::size_t at = 0; at == 0 || at < raw.size(); at += 65535) {
     const std::string block = raw.substr(at, 65535);
@@ -317,6 +304,25 @@ inline std::string PngFile(std::int32_t width, std::int32_t height,
     b = (b + a) % 65521u;
   }
   PutBig32(zlib, (b << 16) | a);
+  return zlib;
+}
+
+// A PNG of 8-bit RGB, or RGBA when `alpha` is given: pixels 0xRRGGBB, alpha one byte a pixel.
+inline std::string PngFile(std::int32_t width, std::int32_t height,
+                           const std::vector<std::uint32_t>& pixels,
+                           const std::vector<std::uint8_t>& alpha = {}) {
+  std::string raw;
+  for (std::int32_t y = 0; y < height; ++y) {
+    raw.push_back(0);  // no filter
+    for (std::int32_t x = 0; x < width; ++x) {
+      const std::size_t i = static_cast<std::size_t>(y * width + x);
+      raw.push_back(static_cast<char>((pixels[i] >> 16) & 0xFFu));
+      raw.push_back(static_cast<char>((pixels[i] >> 8) & 0xFFu));
+      raw.push_back(static_cast<char>(pixels[i] & 0xFFu));
+      if (!alpha.empty()) raw.push_back(static_cast<char>(alpha[i]));
+    }
+  }
+  const std::string zlib = StoredZlib(raw);
   std::string header;
   PutBig32(header, static_cast<std::uint32_t>(width));
   PutBig32(header, static_cast<std::uint32_t>(height));
@@ -356,21 +362,7 @@ inline std::string SixteenBitPngFile(std::int32_t width, std::int32_t height, in
       }
     }
   }
-  std::string zlib("\x78\x01", 2);
-  for (std::size_t at = 0; at == 0 || at < raw.size(); at += 65535) {
-    const std::string block = raw.substr(at, 65535);
-    zlib.push_back(at + block.size() >= raw.size() ? 1 : 0);
-    Put16(zlib, static_cast<std::uint32_t>(block.size()));
-    Put16(zlib, static_cast<std::uint32_t>(~block.size() & 0xFFFFu));
-    zlib += block;
-  }
-  std::uint32_t a = 1;
-  std::uint32_t b = 0;
-  for (char ch : raw) {
-    a = (a + static_cast<std::uint8_t>(ch)) % 65521u;
-    b = (b + a) % 65521u;
-  }
-  PutBig32(zlib, (b << 16) | a);
+  const std::string zlib = StoredZlib(raw);
   static const char kColourType[] = {0, 0, 4, 2, 6};
   std::string header;
   PutBig32(header, static_cast<std::uint32_t>(width));
