@@ -296,27 +296,34 @@ bool LoadWithOle(const GlobalBlock& bytes, Pixels& into) {
   return true;
 }
 
+// The first frame of the picture in the bytes as the imaging component decodes it, with what it
+// stands on. The calling thread's apartment must be open while it is used.
+struct FirstFrame {
+  ComPtr<IWICImagingFactory> factory;
+  ComPtr<IWICStream> stream;
+  ComPtr<IWICBitmapDecoder> decoder;
+  ComPtr<IWICBitmapFrameDecode> frame;
+
+  // False when the component can't be had or refuses the bytes.
+  bool Open(Bytes bytes) {
+    return SUCCEEDED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                        IID_IWICImagingFactory, factory.OutVoid())) &&
+           SUCCEEDED(factory->CreateStream(stream.Out())) &&
+           SUCCEEDED(stream->InitializeFromMemory(const_cast<BYTE*>(bytes.data()),
+                                                  static_cast<DWORD>(bytes.size()))) &&
+           SUCCEEDED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
+                                                      WICDecodeMetadataCacheOnDemand,
+                                                      decoder.Out())) &&
+           SUCCEEDED(decoder->GetFrame(0, frame.Out()));
+  }
+};
+
 std::optional<Pixels> LoadWithImagingComponent(Bytes bytes) {
   if (bytes.size() > 0xFFFFFFFFu) return std::nullopt;
   ComApartment apartment;
-  ComPtr<IWICImagingFactory> factory;
-  if (FAILED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_IWICImagingFactory, factory.OutVoid()))) {
-    return std::nullopt;
-  }
-  ComPtr<IWICStream> stream;
-  if (FAILED(factory->CreateStream(stream.Out())) ||
-      FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(bytes.data()),
-                                          static_cast<DWORD>(bytes.size())))) {
-    return std::nullopt;
-  }
-  ComPtr<IWICBitmapDecoder> decoder;
-  if (FAILED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
-                                              WICDecodeMetadataCacheOnDemand, decoder.Out()))) {
-    return std::nullopt;
-  }
-  ComPtr<IWICBitmapFrameDecode> frame;
-  if (FAILED(decoder->GetFrame(0, frame.Out()))) return std::nullopt;
+  FirstFrame opened;
+  if (!opened.Open(bytes)) return std::nullopt;
+  ComPtr<IWICBitmapFrameDecode>& frame = opened.frame;
   // Palette pictures convert to 32 bits with alpha; straight to 24 they may fail.
   ComPtr<IWICBitmapSource> converted;
   if (FAILED(::WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame.Get(),
@@ -399,24 +406,9 @@ constexpr std::size_t kBandBytes = std::size_t{1} << 17;
 Straight DecodeStraight(Bytes bytes, Pixels& into) {
   if (bytes.empty() || bytes.size() > 0xFFFFFFFFu) return Straight::Refused;
   ComApartment apartment;
-  ComPtr<IWICImagingFactory> factory;
-  if (FAILED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_IWICImagingFactory, factory.OutVoid()))) {
-    return Straight::Refused;
-  }
-  ComPtr<IWICStream> stream;
-  if (FAILED(factory->CreateStream(stream.Out())) ||
-      FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(bytes.data()),
-                                          static_cast<DWORD>(bytes.size())))) {
-    return Straight::Refused;
-  }
-  ComPtr<IWICBitmapDecoder> decoder;
-  if (FAILED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
-                                              WICDecodeMetadataCacheOnDemand, decoder.Out()))) {
-    return Straight::Refused;
-  }
-  ComPtr<IWICBitmapFrameDecode> frame;
-  if (FAILED(decoder->GetFrame(0, frame.Out()))) return Straight::Refused;
+  FirstFrame opened;
+  if (!opened.Open(bytes)) return Straight::Refused;
+  ComPtr<IWICBitmapFrameDecode>& frame = opened.frame;
   UINT width = 0;
   UINT height = 0;
   WICPixelFormatGUID format{};
